@@ -145,6 +145,13 @@ std::wstring sListDirectory(std::wstring const & sPath, std::wstring_view sSepar
     return sResult;
 }
 
+std::wstring sGetSourcePath(std::wstring_view sName) {
+    std::wstring sPath = ZK_SOURCE_DIR;
+    std::ranges::replace(sPath, L'/', L'\\');
+    if (sPath.starts_with(L'\\')) sPath.insert(0, L"Z:"); // where Wine shows the root directory of its host
+    return sPath + L"\\" + std::wstring(sName);
+}
+
 std::wstring sLongForm(std::wstring const & sPath) {
     if (sPath.starts_with(L"\\\\?\\")) return sPath;
     if (sPath.starts_with(L"\\\\")) return L"\\\\?\\UNC" + sPath.substr(1);

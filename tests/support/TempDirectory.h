@@ -41,6 +41,8 @@ void WriteFileBytes(std::wstring const & sPath, std::string_view sBytes);
 [[nodiscard]] bool fIsUnused(std::wstring const & sPath);
 /// The names in a directory, without "." and "..", sorted by units.
 [[nodiscard]] std::wstring sListDirectory(std::wstring const & sPath, std::wstring_view sSeparator = L"|");
+/// The path of a file of this project's source tree.
+[[nodiscard]] std::wstring sGetSourcePath(std::wstring_view sName);
 /// The path in the form that the system takes as it stands: behind `\\?\`.
 [[nodiscard]] std::wstring sLongForm(std::wstring const & sPath);
 
