@@ -118,8 +118,8 @@ unsigned int TStreamBase::PeekMultiByteCharInternal(wchar_t & c, bool fAllowNull
         c = 0;
         return 1;
     }
-    if (TTextRun const tRun = tDecodeRun(uCodePage, pBytes, std::min<unsigned long>(dwLeft, uLongestCharacter), &c, 1,
-                                         L'\0', L'\0');
+    if (TTextRun const tRun =
+            tDecodeRun(uCodePage, pBytes, std::min<unsigned long>(dwLeft, uLongestCharacter), &c, 1, L'\0', L'\0');
         tRun.dwUnits == 1) {
         return tRun.dwBytes;
     }
@@ -153,8 +153,8 @@ unsigned long TStreamBase::dwReadRun(wchar_t * pTarget, unsigned long dwRoom, un
     EnsureBufferFilled();
     if (pBlob == nullptr) return 0;
     unsigned long const dwLeft = pBlob->dwPos < pBlob->dwUsed ? pBlob->dwUsed - pBlob->dwPos : 0;
-    TTextRun const tRun = tDecodeRun(uCodePage, pBlob->pGetDataAtPos(), std::min(dwLeft, dwMostBytes), pTarget, dwRoom,
-                                     cStop1, cStop2);
+    TTextRun const tRun =
+        tDecodeRun(uCodePage, pBlob->pGetDataAtPos(), std::min(dwLeft, dwMostBytes), pTarget, dwRoom, cStop1, cStop2);
     pBlob->dwPos += tRun.dwBytes;
     dwMostBytes -= tRun.dwBytes;
     return tRun.dwUnits;
@@ -404,8 +404,8 @@ void TStreamBase::WriteChar(wchar_t const & c) {
     }
     std::array<char, 5> acBytes{};
     SetLastError(0);
-    int const iSize = WideCharToMultiByte(uCodePage, 0, &c, 1, acBytes.data(), static_cast<int>(acBytes.size()),
-                                          nullptr, nullptr);
+    int const iSize =
+        WideCharToMultiByte(uCodePage, 0, &c, 1, acBytes.data(), static_cast<int>(acBytes.size()), nullptr, nullptr);
     if (iSize < 1) ThrowEncodeFailure();
     WriteData(acBytes.data(), static_cast<unsigned long>(iSize));
 }
@@ -424,8 +424,8 @@ void TStreamBase::WriteString(wchar_t const * pzText) {
     WriteData(pConvertBuffer.get(), static_cast<unsigned long>(iSize));
 }
 
-/// What the prefix of a counted string tells: the size of the text with its terminator, or, under 1200 and 1201, without
-/// it.
+/// What the prefix of a counted string tells: the size of the text with its terminator, or, under 1200 and 1201,
+/// without it.
 unsigned long TStreamBase::dwGetPrefixSize(std::wstring const & sText) const {
     if (!fIsUtf16()) return static_cast<unsigned long>(iGetEncodedSize(sText.c_str(), -1));
     // Deliberate: an empty text has no counted form here; readers of the old programs would take its zero for a count.

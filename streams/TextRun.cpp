@@ -53,9 +53,8 @@ void AsciiRun(TRunState & t, TStops const & tStops) noexcept {
     __m128i const tStop2 = _mm_set1_epi8(tStops.cGetAscii2());
     while (t.uLeft() >= 16 && t.uRoom() >= 16) {
         __m128i const tBytes = _mm_loadu_si128(reinterpret_cast<__m128i const *>(t.p));
-        __m128i const tCare =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(tBytes, tStop1), _mm_cmpeq_epi8(tBytes, tStop2)),
-                         _mm_or_si128(_mm_cmpeq_epi8(tBytes, tZero), tBytes));
+        __m128i const tCare = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(tBytes, tStop1), _mm_cmpeq_epi8(tBytes, tStop2)),
+                                           _mm_or_si128(_mm_cmpeq_epi8(tBytes, tZero), tBytes));
         auto const uCare = static_cast<unsigned int>(_mm_movemask_epi8(tCare));
         _mm_storeu_si128(reinterpret_cast<__m128i *>(t.pOut), _mm_unpacklo_epi8(tBytes, tZero));
         _mm_storeu_si128(reinterpret_cast<__m128i *>(t.pOut + 8), _mm_unpackhi_epi8(tBytes, tZero));

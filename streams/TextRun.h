@@ -1,6 +1,6 @@
 // Text in runs: decodes what needs no care, as long as it needs none, and encodes UTF-8. The caller takes everything
-// else (zeros, stops, incomplete and undecodable characters) through the platform's conversion, one character at a time,
-// which is the reference: a run gives exactly what that gives.
+// else (zeros, stops, incomplete and undecodable characters) through the platform's conversion, one character at a
+// time, which is the reference: a run gives exactly what that gives.
 #pragma once
 
 struct TTextRun {

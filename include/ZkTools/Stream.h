@@ -36,8 +36,8 @@ struct ZKTOOLS_API IRawStream {
 /// A block of memory with a position: what a stream stands on. Either it owns its memory or it is a view of the
 /// caller's, which must outlive it.
 ///
-/// Owned memory is one byte larger than `dwCapacity`, and that byte is zero, so that a reader of text finds a terminator
-/// behind the data. A view has no such guard. Writing past the end of a view is outside the contract.
+/// Owned memory is one byte larger than `dwCapacity`, and that byte is zero, so that a reader of text finds a
+/// terminator behind the data. A view has no such guard. Writing past the end of a view is outside the contract.
 ///
 /// \throws std::length_error where a size would reach 4 GiB; the block stays as it was
 struct ZKTOOLS_API TBlob {
@@ -229,8 +229,8 @@ public:
     /// code pages, not under 1200 and 1201, and wraps for a long text. The empty text cannot be written under 1200 and
     /// 1201.
     virtual void WritePascalString(std::wstring const & sText);
-    /// A field of exactly `uCount` bytes in the thread's ANSI code page. A longer text is cut, without a terminator; the
-    /// rest behind a shorter one is zero.
+    /// A field of exactly `uCount` bytes in the thread's ANSI code page. A longer text is cut, without a terminator;
+    /// the rest behind a shorter one is zero.
     virtual void Write8BitChars(unsigned char uCount, std::wstring & sText);
     /// A 4-byte count (bytes of the text in the system's ANSI code page, without terminator), then, unless that is 0,
     /// the text and its terminator in the stream's code page.
@@ -240,8 +240,8 @@ public:
     /// The text, then CR LF.
     virtual void Writeln(std::wstring const & sText);
     virtual void Writeln(wchar_t const * pzText);
-    /// The text with `&`, `<` and `>` as entities, zeros within it included. LF, CR and both quotes become entities with
-    /// `fEscapeAll`; without it they are *dropped*.
+    /// The text with `&`, `<` and `>` as entities, zeros within it included. LF, CR and both quotes become entities
+    /// with `fEscapeAll`; without it they are *dropped*.
     virtual void WriteXML(std::wstring const & sText, bool fEscapeAll);
     /// The text with a blank between any two hyphens in a row. A hyphen at the end is left alone.
     virtual void WriteXMLComment(std::wstring const & sText);
@@ -274,8 +274,8 @@ protected:
     unsigned int PeekUnicodeCharInternal(wchar_t & c, bool fAllowNull);
     unsigned int PeekMultiByteCharInternal(wchar_t & c, bool fAllowNull);
     /// Decodes from the block into `pTarget` what needs no care: no zero, no 0xFFFF, neither of the two stops, nothing
-    /// that fails, and no more than `dwMostBytes` bytes, of which it subtracts what it took. Returns how many units came,
-    /// 0 when the next character needs care.
+    /// that fails, and no more than `dwMostBytes` bytes, of which it subtracts what it took. Returns how many units
+    /// came, 0 when the next character needs care.
     unsigned long dwReadRun(wchar_t * pTarget, unsigned long dwRoom, unsigned long & dwMostBytes, wchar_t cStop1,
                             wchar_t cStop2);
 

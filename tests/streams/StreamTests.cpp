@@ -259,7 +259,9 @@ TEST(TBlob, KeepsItsDataThroughAnyOrderOfSizes) {
             sExpected += sPiece;
         }
         ASSERT_EQ(sBytes(tBlob), sExpected);
-        if (tBlob.pData != nullptr && tBlob.dwCapacity >= tBlob.dwUsed) { ASSERT_EQ(tBlob.pData[tBlob.dwCapacity], 0); }
+        if (tBlob.pData != nullptr && tBlob.dwCapacity >= tBlob.dwUsed) {
+            ASSERT_EQ(tBlob.pData[tBlob.dwCapacity], 0);
+        }
     }
 }
 
@@ -407,9 +409,10 @@ TEST(TStreamBase, MovesNumbersInMachineOrder) {
     tStream.Write(0x0A0B0C0DuL);
     tStream.Write(static_cast<__int64>(0x0102030405060708));
     tStream.Write(static_cast<unsigned __int64>(0xF1F2F3F4F5F6F7F8));
-    std::string const sExpected("\x01\xFE\xFE\xFF\x34\x12\x04\x03\x02\x01\xF4\xF3\xF2\xF1\xFD\xFF\xFF\xFF\x0D\x0C\x0B\x0A"
-                                "\x08\x07\x06\x05\x04\x03\x02\x01\xF8\xF7\xF6\xF5\xF4\xF3\xF2\xF1",
-                                38);
+    std::string const sExpected(
+        "\x01\xFE\xFE\xFF\x34\x12\x04\x03\x02\x01\xF4\xF3\xF2\xF1\xFD\xFF\xFF\xFF\x0D\x0C\x0B\x0A"
+        "\x08\x07\x06\x05\x04\x03\x02\x01\xF8\xF7\xF6\xF5\xF4\xF3\xF2\xF1",
+        38);
     ASSERT_EQ(tStream.dwGetSize(), 38u);
     EXPECT_EQ(std::string(reinterpret_cast<char *>(tStream.pGetData()), 38), sExpected);
 
