@@ -1,0 +1,113 @@
+/// The identity of an object: a tag, a version and a variant.
+///
+/// An alias persists in several forms and has a form for people, the merged text: "A; 1; draft".
+#pragma once
+
+#include "ZkTools/Export.h"
+
+#include <string>
+#include <string_view>
+
+/// Tag, version and variant of an object.
+///
+/// What goes through a constructor, a setter, a copy or an assignment bears no blank (U+0020) at either end; blanks
+/// inside stay, and so do tabs and line ends anywhere. Only `TTransferAlias` writes past that rule. Nothing here fails.
+///
+/// A null separator means "; ".
+class ZKTOOLS_API TAlias {
+public:
+    TAlias() = default;
+    explicit TAlias(std::wstring_view sTag);
+    TAlias(std::wstring_view sTag, std::wstring_view sVersion);
+    TAlias(std::wstring_view sTag, std::wstring_view sVersion, std::wstring_view sVariant);
+    /// A copy is trimmed, also one of an alias that holds blanks at its ends.
+    TAlias(TAlias const & tOther);
+    TAlias & operator=(TAlias const & tOther);
+    ~TAlias() = default;
+
+    /// Empties all three.
+    void Reset() noexcept;
+
+    [[nodiscard]] std::wstring const & sGetTag() const noexcept { return sTag; }
+    [[nodiscard]] std::wstring const & sGetVersion() const noexcept { return sVersion; }
+    [[nodiscard]] std::wstring const & sGetVariant() const noexcept { return sVariant; }
+    [[nodiscard]] wchar_t const * pzGetTag() const noexcept { return sTag.c_str(); }
+    [[nodiscard]] wchar_t const * pzGetVersion() const noexcept { return sVersion.c_str(); }
+    [[nodiscard]] wchar_t const * pzGetVariant() const noexcept { return sVariant.c_str(); }
+
+    void SetTag(std::wstring_view sValue);
+    void SetVersion(std::wstring_view sValue);
+    void SetVariant(std::wstring_view sValue);
+
+    /// The three setters in that order. The values are strings, not views, so that they may be fields of this alias.
+    void Set(std::wstring const & sTag, std::wstring const & sVersion, std::wstring const & sVariant);
+    /// The same as the assignment.
+    void Set(TAlias const & tOther);
+
+    /// Takes a merged text apart: the tag stands in front of the first separator, the version up to the second, and the
+    /// variant is all the rest, further separators included. What the text lacks becomes empty, and so do all three for
+    /// a null text.
+    ///
+    /// A separator that begins at character 32768 or later counts as absent. The text must not be that of a field of
+    /// this alias: they are emptied first.
+    void Set(wchar_t const * pzAlias, wchar_t const * pzSeparator);
+
+    /// The merged text: the tag; separator and version when version or variant isn't empty; separator and variant when
+    /// the variant isn't. Tag "A" with variant "V" gives "A; ; V".
+    [[nodiscard]] std::wstring sGetAlias(wchar_t const * pzSeparator) const;
+    /// The same as `sGetAlias`.
+    [[nodiscard]] std::wstring sMerge(wchar_t const * pzSeparator) const;
+    /// Copies the merged text with its terminator to `pzTarget`, which the caller makes large enough.
+    /// \returns `pzTarget`
+    wchar_t * pzMerge(wchar_t * pzTarget, wchar_t const * pzSeparator) const;
+
+    /// True when the tag is empty, whatever the other two hold.
+    [[nodiscard]] bool fIsEmpty() const noexcept { return sTag.empty(); }
+    /// True when the tag isn't empty.
+    [[nodiscard]] bool fIsFilled() const noexcept { return !sTag.empty(); }
+
+    /// All three equal, in every character.
+    [[nodiscard]] bool operator==(TAlias const & tOther) const noexcept;
+    [[nodiscard]] bool operator!=(TAlias const & tOther) const noexcept;
+    /// The order of `iCompare`.
+    [[nodiscard]] bool operator<(TAlias const & tOther) const noexcept;
+
+    /// Compares tag, then version, then variant by the values of their UTF-16 units: no regard to case, locale or
+    /// numbers. A text that ends first is the smaller. Unlike `operator==` this stops at a null character inside.
+    /// \returns -1, 0 or 1
+    [[nodiscard]] int iCompare(TAlias const & tOther) const noexcept;
+
+private:
+    friend struct TTransferAlias;
+
+    std::wstring sTag;
+    std::wstring sVersion;
+    std::wstring sVariant;
+};
+
+/// The lengths of tag, version and variant, in UTF-16 units; -1 stands for no length at all.
+struct ZKTOOLS_API TAliasLength {
+    int iTag;
+    int iVersion;
+    int iVariant;
+
+    TAliasLength(int iTag = -1, int iVersion = -1, int iVariant = -1) noexcept;
+    /// The lengths of an alias.
+    TAliasLength(TAlias & tAlias) noexcept;
+
+    /// True when each of the three lengths is at most the other's. A default one fits into everything.
+    [[nodiscard]] bool fFitInto(TAliasLength & tOther) const noexcept;
+};
+
+/// Write access to the fields of an alias past the trimming, for readers that keep what they find. Refers to the alias,
+/// which must outlive it.
+struct ZKTOOLS_API TTransferAlias {
+    explicit TTransferAlias(TAlias & tAlias) noexcept;
+
+    [[nodiscard]] std::wstring & sGetTag() const noexcept { return tAlias.sTag; }
+    [[nodiscard]] std::wstring & sGetVersion() const noexcept { return tAlias.sVersion; }
+    [[nodiscard]] std::wstring & sGetVariant() const noexcept { return tAlias.sVariant; }
+
+private:
+    TAlias & tAlias;
+};
