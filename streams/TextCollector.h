@@ -1,0 +1,50 @@
+// Gathers the text of one reader, so that the caller's string is touched once, at the end.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+/// Short texts stay on the stack; longer ones spill into a string of their own.
+class TTextCollector {
+public:
+    TTextCollector() = default;
+    TTextCollector(TTextCollector const &) = delete;
+    TTextCollector & operator=(TTextCollector const &) = delete;
+
+    /// Where the next units go, and how many fit: at least one.
+    [[nodiscard]] wchar_t * pGetRoom() {
+        if (uCount == uSize) Spill();
+        return acUnits + uCount;
+    }
+    [[nodiscard]] unsigned long dwGetRoom() const noexcept { return static_cast<unsigned long>(uSize - uCount); }
+    /// Takes in that many units, which stand in the room already.
+    void Advance(unsigned long dwUnits) noexcept { uCount += dwUnits; }
+
+    void Add(wchar_t c) {
+        *pGetRoom() = c;
+        ++uCount;
+    }
+
+    void AppendTo(std::wstring & sTarget) const { sTarget.append(sSpilled).append(acUnits, uCount); }
+
+    void MoveTo(std::wstring & sTarget) {
+        if (sSpilled.empty()) {
+            sTarget.assign(acUnits, uCount);
+        } else {
+            Spill();
+            sTarget = std::move(sSpilled);
+        }
+    }
+
+private:
+    void Spill() {
+        sSpilled.append(acUnits, uCount);
+        uCount = 0;
+    }
+
+    static constexpr std::size_t uSize = 1024;
+
+    std::size_t uCount = 0;
+    std::wstring sSpilled;
+    wchar_t acUnits[uSize];
+};
