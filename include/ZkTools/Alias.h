@@ -8,12 +8,18 @@
 #include <string>
 #include <string_view>
 
+class TStreamBase;
+
 /// Tag, version and variant of an object.
 ///
 /// What goes through a constructor, a setter, a copy or an assignment bears no blank (U+0020) at either end; blanks
 /// inside stay, and so do tabs and line ends anywhere. Only `TTransferAlias` writes past that rule. Nothing here fails.
 ///
 /// A null separator means "; ".
+///
+/// On a stream an alias stands in one of two forms, which `Read` tells apart by their first byte: the current one is a
+/// byte of value 1 and three counted strings in the stream's code page; the old one is a fixed record of 35 bytes in
+/// the thread's ANSI code page. The failures are those of the stream, and a failed reader leaves the alias as it was.
 class ZKTOOLS_API TAlias {
 public:
     TAlias() = default;
@@ -77,6 +83,27 @@ public:
     /// \returns -1, 0 or 1
     [[nodiscard]] int iCompare(TAlias const & tOther) const noexcept;
 
+    /// The merged text as a file name: characters that no file name may hold become "_".
+    /// \param pzSeparator null means "_"
+    [[nodiscard]] std::wstring sGetFileName(wchar_t const * pzSeparator) const;
+
+    /// Reads the current form or the old record.
+    void Read(TStreamBase & tStream);
+    /// Writes the current form.
+    void Write(TStreamBase & tStream) const;
+    /// Reads the three counted strings of the current form, without the byte in front of them, and trims them.
+    void ReadPure(TStreamBase & tStream);
+    /// Writes the three counted strings alone.
+    void WritePure(TStreamBase & tStream) const;
+
+    /// True when tag, version and variant have at most 20, 6 and 6 characters, the room of the old record. Characters
+    /// that take more than one byte there are not reckoned with.
+    [[nodiscard]] bool fIsTagRecCompatible() const noexcept;
+    /// Reads the old record.
+    void ReadTagRecCompatible(TStreamBase & tStream);
+    /// Writes the old record. What is longer than its room is cut without a word.
+    void WriteTagRecCompatible(TStreamBase & tStream) const;
+
 private:
     friend struct TTransferAlias;
 
@@ -84,6 +111,11 @@ private:
     std::wstring sVersion;
     std::wstring sVariant;
 };
+
+/// `Write`.
+ZKTOOLS_API TStreamBase & operator<<(TStreamBase & tStream, TAlias const & tAlias);
+/// `Read`.
+ZKTOOLS_API TStreamBase & operator>>(TStreamBase & tStream, TAlias & tAlias);
 
 /// The lengths of tag, version and variant, in UTF-16 units; -1 stands for no length at all.
 struct ZKTOOLS_API TAliasLength {
