@@ -214,9 +214,12 @@ void TStreamBase::ReadString(wchar_t * pzTarget, unsigned long dwSize) {
     if (dwSize == 0) return;
     unsigned long dwStored = 0;
     while (dwStored < dwSize - 1) {
+        // A run may write into all of the room that it is given, and the caller's buffer behind the text is not ours.
+        std::array<wchar_t, 256> acRun;
         unsigned long dwAny = ULONG_MAX;
-        unsigned long const dwUnits = dwReadRun(pzTarget + dwStored, dwSize - 1 - dwStored, dwAny, 0, 0);
-        if (dwUnits != 0) {
+        unsigned long const dwRoom = std::min<unsigned long>(dwSize - 1 - dwStored, acRun.size());
+        if (unsigned long const dwUnits = dwReadRun(acRun.data(), dwRoom, dwAny, 0, 0); dwUnits != 0) {
+            std::copy_n(acRun.data(), dwUnits, pzTarget + dwStored);
             dwStored += dwUnits;
             continue;
         }

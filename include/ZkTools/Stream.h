@@ -273,9 +273,9 @@ protected:
     unsigned int PeekCharInternal(wchar_t & c, bool fAllowNull);
     unsigned int PeekUnicodeCharInternal(wchar_t & c, bool fAllowNull);
     unsigned int PeekMultiByteCharInternal(wchar_t & c, bool fAllowNull);
-    /// Decodes from the block into `pTarget` what needs no care: no zero, no 0xFFFF, neither of the two stops, nothing
-    /// that fails, and no more than `dwMostBytes` bytes, of which it subtracts what it took. Returns how many units
-    /// came, 0 when the next character needs care.
+    /// Decodes from the block into `pTarget`, which it may use up to `dwRoom`, what needs no care: no zero, no 0xFFFF,
+    /// neither of the two stops, nothing that fails, and no more than `dwMostBytes` bytes, of which it subtracts what
+    /// it took. Returns how many units came, 0 when the next character needs care.
     unsigned long dwReadRun(wchar_t * pTarget, unsigned long dwRoom, unsigned long & dwMostBytes, wchar_t cStop1,
                             wchar_t cStop2);
 
