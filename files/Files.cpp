@@ -21,14 +21,15 @@ constexpr std::wstring_view sFolderConfig = L"zkfolder.config";
 
 constexpr DWORD dwShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-template <auto fnClose>
-struct TCloser {
+struct TFileCloser {
     using pointer = HANDLE;
-    void operator()(HANDLE hHandle) const noexcept { fnClose(hHandle); }
+    void operator()(HANDLE hFile) const noexcept { CloseHandle(hFile); }
 };
-/// The owner of a handle that is known to be valid.
-template <auto fnClose>
-using TOwner = std::unique_ptr<void, TCloser<fnClose>>;
+
+struct TSearchCloser {
+    using pointer = HANDLE;
+    void operator()(HANDLE hSearch) const noexcept { FindClose(hSearch); }
+};
 
 bool fIsHidden(TFindFile const & tFind) noexcept {
     return tFind.tGetData().cFileName[0] == L'.';
@@ -70,7 +71,7 @@ unsigned __int64 uiSumFiles(std::wstring & sPattern, TAddDirectory AddDirectory)
     WIN32_FIND_DATAW tData;
     HANDLE const hSearch = FindFirstFileW(pzLongPath(sPattern.c_str(), sLong), &tData);
     if (hSearch == INVALID_HANDLE_VALUE) return 0;
-    TOwner<FindClose> const tOwner(hSearch);
+    std::unique_ptr<void, TSearchCloser> const tOwner(hSearch);
 
     unsigned __int64 uiSize = 0;
     do {
@@ -242,7 +243,7 @@ void SetLastWriteTime(std::wstring const & sPath, FILETIME const & tTime) {
     HANDLE const hFile = CreateFileLong(sPath.c_str(), FILE_WRITE_ATTRIBUTES, dwShareAll, nullptr, OPEN_EXISTING,
                                         FILE_ATTRIBUTE_NORMAL, nullptr);
     if (hFile == INVALID_HANDLE_VALUE) ThrowSystemError(GetLastError());
-    TOwner<CloseHandle> const tOwner(hFile);
+    std::unique_ptr<void, TFileCloser> const tOwner(hFile);
     if (!SetFileTime(hFile, nullptr, nullptr, &tTime)) ThrowSystemError(GetLastError());
 }
 

@@ -13,6 +13,7 @@
 #include <cwchar>
 #include <cwctype>
 #include <string_view>
+#include <utility>
 
 namespace {
 

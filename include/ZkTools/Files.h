@@ -5,8 +5,8 @@
 /// reason to `GetLastError`; what is thrown is a TXZkTools, unless told otherwise. No pointer may be null.
 ///
 /// Whether something exists is asked by a search that takes the path for a pattern: a path with wildcards exists when
-/// anything matches, and a root ("C:\") or a path with a backslash at its end does not exist. Only the functions on a
-/// directory alone (`fExistDirectory` and its kin) take such paths, and no wildcards.
+/// anything matches, and a root ("C:\") or a path with a backslash at its end does not exist. What asks for a directory
+/// by that name (`fExistDirectory`, and the functions on what is in it) takes such paths.
 #pragma once
 
 #include "ZkBase/Windows.h"

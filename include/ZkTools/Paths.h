@@ -133,7 +133,8 @@ ZKTOOLS_API void StripDotBSlash(std::wstring & sPath);
 ///          nor one that begins with a letter, a colon and a backslash, or without a root at its end
 [[nodiscard]] ZKTOOLS_API std::vector<std::wstring> GetPathAndAncestors(std::wstring const & sPath);
 
-/// The way from a directory to a file, "..\" for each level up. The case of the common part does not matter.
+/// The way from a directory to a file, "..\" for each level up. The case of the common part (that of `towupper`) does
+/// not matter.
 /// \param pzBase the directory, with or without a backslash at its end
 /// \returns the path as it stands when the two have nothing in common, as on different drives
 [[nodiscard]] ZKTOOLS_API std::wstring sMakePathRelative(wchar_t const * pzBase, wchar_t const * pzPath);

@@ -863,6 +863,7 @@ TEST(FDirectoriesOrFilesAreEqual, ComparesTheTexts) {
         {L"C:\\dir/", L"C:\\dir", false},
         {L"C:\\dir\\.", L"C:\\dir", false},
         {L"C:\\dir", L"C:\\dir2", false},
+        {L"C:\\\u00C4", L"C:\\\u00E4", false}, // in the C locale these are no letters
         {L"", L"", true},
         {L"", L"C:\\dir", false},
     };
