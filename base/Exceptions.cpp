@@ -5,16 +5,22 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <memory>
 #include <string_view>
 
 namespace {
 
-constexpr std::string_view pzLineEnd = "\r\n";
+constexpr std::string_view sLineEnd = "\r\n";
+
+/// Without arguments the format is the text itself.
+std::wstring sFormatText(wchar_t const * pzFormat, char * pArgs) {
+    return pArgs != nullptr ? string_functions::sFormat_va(pzFormat, pArgs) : std::wstring(pzFormat);
+}
 
 /// Message `uId` of `hModule`, formatted. An unknown id gives the tag, where there is one, and the id.
 std::wstring sFormatMessage(HINSTANCE hModule, unsigned int uId, char * pArgs, std::wstring const & sTag) {
     std::wstring const sFormat = string_functions::sLoadString(hModule, uId);
-    if (!sFormat.empty()) return string_functions::sFormat_va(sFormat.c_str(), pArgs);
+    if (!sFormat.empty()) return sFormatText(sFormat.c_str(), pArgs);
     return (sTag.empty() ? sTag : sTag + L" ") + std::to_wstring(uId);
 }
 
@@ -25,9 +31,35 @@ void SetText(std::runtime_error & tError, std::string const & sText) {
 /// Adds a line behind the text that is there.
 void AppendLine(std::runtime_error & tError, std::wstring const & sLine) {
     std::string sText = tError.what();
-    if (!sText.empty()) sText += pzLineEnd;
+    if (!sText.empty()) sText += sLineEnd;
     sText += sNarrow(sLine);
     SetText(tError, sText);
+}
+
+/// The bytes, two digits each and with blanks between them; of a long run only the first ones.
+std::wstring sHexadecimal(char const * pBytes, unsigned int uLength) {
+    constexpr unsigned int uMostShown = 16; // a decoder may hand in a whole buffer
+    constexpr wchar_t const * pzDigits = L"0123456789ABCDEF";
+    std::wstring sBytes;
+    for (unsigned int i = 0; i < std::min(uLength, uMostShown); ++i) {
+        auto const uByte = static_cast<unsigned char>(pBytes[i]);
+        if (i != 0) sBytes += L' ';
+        sBytes += pzDigits[uByte >> 4];
+        sBytes += pzDigits[uByte & 15];
+    }
+    if (uLength > uMostShown) sBytes += L" ...";
+    return sBytes;
+}
+
+/// The system's text without what it puts behind it; empty when it has none.
+std::wstring sGetSystemText(unsigned long uCode) {
+    wchar_t * pzText = nullptr;
+    DWORD const dwLength =
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, uCode, 0, reinterpret_cast<wchar_t *>(&pzText), 0, nullptr);
+    std::unique_ptr<wchar_t, decltype(&LocalFree)> const pOwner(pzText, &LocalFree);
+    std::wstring_view const sText(pzText, dwLength);
+    return std::wstring(sText.substr(0, sText.find_last_not_of(L"\r\n ") + 1));
 }
 
 } // namespace
@@ -61,7 +93,7 @@ void TXError::StoreMessage(HINSTANCE hModule, unsigned int uId, char * pArgs) {
 }
 
 void TXError::StoreMessage(wchar_t const * pzFormat, char * pArgs) {
-    AppendLine(*this, pArgs == nullptr ? std::wstring(pzFormat) : string_functions::sFormat_va(pzFormat, pArgs));
+    AppendLine(*this, sFormatText(pzFormat, pArgs));
 }
 
 void InsertMessage(std::runtime_error & tError, HINSTANCE hModule, unsigned int uId, ...) {
@@ -73,41 +105,23 @@ void InsertMessage(std::runtime_error & tError, HINSTANCE hModule, unsigned int 
     va_end(pArgs);
 
     std::string sText = sNarrow(sLine);
-    if (*tError.what() != '\0') sText.append(pzLineEnd).append(tError.what());
+    if (*tError.what() != '\0') sText.append(sLineEnd).append(tError.what());
     SetText(tError, sText);
 }
 
 void ThrowDecodeException(char const * pBytes, unsigned int uLength, unsigned int uPosition) {
-    constexpr unsigned int uMostShown = 16; // a decoder may hand in a whole buffer
-    constexpr wchar_t const * pzDigits = L"0123456789ABCDEF";
-    std::wstring sBytes;
-    for (unsigned int i = 0; i < std::min(uLength, uMostShown); ++i) {
-        auto const uByte = static_cast<unsigned char>(pBytes[i]);
-        if (i != 0) sBytes += L' ';
-        sBytes += pzDigits[uByte >> 4];
-        sBytes += pzDigits[uByte & 15];
-    }
-    if (uLength > uMostShown) sBytes += L" ...";
-
     TXError tError(L"ZKBASE", -1);
-    tError.AddMessageStr(L"The bytes at position %u cannot be decoded: %s", uPosition, sBytes.c_str());
+    if (uLength == 0)
+        tError.AddMessageStr(L"Nothing can be decoded at position %u.", uPosition);
+    else
+        tError.AddMessageStr(L"The bytes at position %u cannot be decoded: %s", uPosition,
+                             sHexadecimal(pBytes, uLength).c_str());
     throw TXError(tError);
 }
 
 std::wstring sGetErrorString(unsigned long uCode) {
     DWORD const dwKept = GetLastError();
-    std::wstring sResult;
-    wchar_t * pzText = nullptr;
-    DWORD const dwLength =
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, uCode, 0, reinterpret_cast<wchar_t *>(&pzText), 0, nullptr);
-    if (dwLength != 0) {
-        std::wstring_view sText(pzText, dwLength);
-        while (!sText.empty() && (sText.back() == L'\r' || sText.back() == L'\n' || sText.back() == L' '))
-            sText.remove_suffix(1);
-        sResult = sText;
-        LocalFree(pzText);
-    }
+    std::wstring sResult = sGetSystemText(uCode);
     if (sResult.empty()) sResult = L"Error " + std::to_wstring(uCode);
     SetLastError(dwKept);
     return sResult;

@@ -1,5 +1,7 @@
 #include "ZkBase/Messages.h"
 
+#include "base/LongPath.h"
+
 #include <array>
 #include <cstdio>
 #include <cwchar>
@@ -7,7 +9,7 @@
 
 namespace {
 
-/// The path of a module, of whatever length.
+/// The path of a module, of whatever length; empty when there is no such module.
 std::wstring sGetModulePath(HINSTANCE hModule) {
     std::wstring sPath(MAX_PATH, L'\0');
     for (;;) {
@@ -20,7 +22,7 @@ std::wstring sGetModulePath(HINSTANCE hModule) {
     }
 }
 
-/// The two-letter code of the user's UI language, in lower case; empty when the system has none.
+/// The ISO code of the user's UI language, in lower case; empty when the system has none.
 std::wstring sGetLanguageCode() {
     std::array<wchar_t, 9> acCode{};
     LCID const uLocale = MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT);
@@ -28,19 +30,26 @@ std::wstring sGetLanguageCode() {
     return acCode.data();
 }
 
+/// The path of the module without its extension, and `Messages` behind it.
+std::wstring sGetStem(std::wstring sModule) {
+    std::size_t const uName = sModule.find_last_of(L"\\/") + 1;
+    if (std::size_t const uPoint = sModule.rfind(L'.'); uPoint != std::wstring::npos && uPoint > uName)
+        sModule.resize(uPoint);
+    return sModule += L"Messages";
+}
+
 HINSTANCE hLoadResources(std::wstring const & sPath) {
-    return LoadLibraryExW(sPath.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    std::wstring sHolder;
+    return LoadLibraryExW(pzLongPath(sPath.c_str(), sHolder), nullptr,
+                          LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
 }
 
 } // namespace
 
 HINSTANCE hGetResMod(HINSTANCE hModule) {
-    std::wstring sStem = sGetModulePath(hModule);
-    std::size_t const uName = sStem.find_last_of(L"\\/") + 1;
-    if (std::size_t const uPoint = sStem.rfind(L'.'); uPoint != std::wstring::npos && uPoint > uName)
-        sStem.resize(uPoint);
-    sStem += L"Messages";
-
+    std::wstring const sModule = sGetModulePath(hModule);
+    if (sModule.empty()) return nullptr; // a bare name would be searched for in foreign directories
+    std::wstring const sStem = sGetStem(sModule);
     if (std::wstring const sCode = sGetLanguageCode(); !sCode.empty()) {
         if (HINSTANCE const hFound = hLoadResources(sStem + L"." + sCode + L".dll")) return hFound;
     }
@@ -50,6 +59,7 @@ HINSTANCE hGetResMod(HINSTANCE hModule) {
 namespace string_functions {
 
 std::wstring sLoadString(HINSTANCE hModule, unsigned int uId) {
+    if (uId > 0xFFFF) return {}; // the system would look at the lower half alone
     // With a size of 0 the call hands out a pointer to the text in the module instead of copying it.
     wchar_t const * pText = nullptr;
     int const iLength = LoadStringW(hModule, uId, reinterpret_cast<wchar_t *>(&pText), 0);

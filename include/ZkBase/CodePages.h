@@ -31,7 +31,7 @@ enum ECodePage : int {
 [[nodiscard]] ZKBASE_API unsigned short uGetCodePage(ECodePage eCodePage);
 
 /// The enumerator of a Windows code-page number: the one with that fixed number if there is one, then `ecpOem` when it
-/// is the system's OEM code page, otherwise `ecpDefault`.
+/// is the system's OEM code page and not its ANSI one too, otherwise `ecpDefault`.
 [[nodiscard]] ZKBASE_API ECodePage eFindCodePage(unsigned short uCodePage);
 
 /// Which way a `TConvertStream` converts.

@@ -40,7 +40,7 @@ public:
 
 protected:
     /// Loads string `uId` of `hModule` as a format, formats `pArgs` into it and adds the result. An id that the module
-    /// lacks gives the tag and the id in decimal ("ZKTOOLS 4230"), never an empty text.
+    /// lacks gives the tag and the id in decimal ("ZKTOOLS 4230"), never an empty text. A null `pArgs` is no argument.
     void StoreMessage(HINSTANCE hModule, unsigned int uId, char * pArgs);
 
     /// Formats `pArgs` by `pzFormat` and adds the result. With a null `pArgs` the text is added as it stands, percent
@@ -56,8 +56,9 @@ private:
 /// `tError`. Works on any `std::runtime_error`; percent signs in the text that is there are left alone.
 ZKBASE_API void InsertMessage(std::runtime_error & tError, HINSTANCE hModule, unsigned int uId, ...);
 
-/// Throws a `TXError` that tells the position on the stream and the bytes, in hexadecimal, that can't be decoded.
-/// \param pBytes    the bytes; they need no terminator
+/// Throws a `TXError` that tells the position on the stream and the bytes, in hexadecimal, that can't be decoded. Of
+/// more than 16 bytes the first 16 are told.
+/// \param pBytes    the bytes; they need no terminator. Not looked at when there are none.
 /// \param uLength   how many there are
 /// \param uPosition the position of the first one on its stream, in bytes
 [[noreturn]] ZKBASE_API void ThrowDecodeException(char const * pBytes, unsigned int uLength, unsigned int uPosition);
