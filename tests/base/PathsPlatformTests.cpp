@@ -6,10 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 #include <random>
 #include <string_view>
-#include <type_traits>
 
 using namespace path_func;
 

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <string_view>
-#include <vector>
 
 using namespace path_func;
 
