@@ -11,7 +11,7 @@
 namespace {
 
 constexpr wchar_t const * pzRoleOption = L"--zk-child";
-constexpr ULONGLONG uPatience = 10'000; // milliseconds
+constexpr ULONGLONG uPatience = 60'000; // milliseconds
 constexpr int iExitOfException = 70;
 
 std::map<std::wstring, zk_test::TChildRole::TFunction> & tGetRoles() {

@@ -61,8 +61,8 @@ struct TChildOptions {
     std::wstring sDirectory{};                                         ///< to start in; empty: this process's own
 };
 
-/// A running child. It is killed, if it still runs, and waited for when the object goes. All waits end after ten
-/// seconds with a std::runtime_error, so that a hanging child is a failed test and no hanging one.
+/// A running child. It is killed, if it still runs, and waited for when the object goes. All waits end after a
+/// minute with a std::runtime_error, so that a hanging child is a failed test and no hanging one.
 class TChildProcess {
 public:
     /// This test program in that role.
