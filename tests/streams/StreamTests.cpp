@@ -4,6 +4,8 @@
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/MessageIds.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -14,6 +16,8 @@
 #include <string>
 #include <type_traits>
 #include <vector>
+
+using zk_test::iVirtualSlot;
 
 namespace {
 
@@ -41,14 +45,6 @@ struct TOpenStream : TStreamBase {
     using TStreamBase::TStreamBase;
     using TStreamBase::uCodePage;
 };
-
-/// The place of a virtual operation in the table: how the compiler keeps a pointer to a virtual member.
-template <typename TMember>
-int iSlot(TMember pMember) {
-    std::intptr_t iWord = 0;
-    std::memcpy(&iWord, &pMember, sizeof iWord);
-    return static_cast<int>((iWord - 1) / static_cast<std::intptr_t>(sizeof(void *)));
-}
 
 } // namespace
 
@@ -267,71 +263,71 @@ TEST(TBlob, KeepsItsDataThroughAnyOrderOfSizes) {
 
 TEST(TStreamBase, KeepsTheOrderOfItsVirtualOperations) {
     using T = TStreamBase;
-    int iNext = 2; // behind the two entries of the destructor
+    int iNext = zk_test::iBehindDestructor;
     auto const Expect = [&iNext](int iFound) { EXPECT_EQ(iFound, iNext++); };
-    Expect(iSlot(&T::Flush));
-    Expect(iSlot(static_cast<void (T::*)(void *, unsigned long)>(&T::ReadData)));
-    Expect(iSlot(static_cast<void (T::*)(void const *, unsigned long)>(&T::WriteData)));
-    Expect(iSlot(&T::Seek));
-    Expect(iSlot(&T::fIsEoF));
-    Expect(iSlot(&T::dwGetSize));
-    Expect(iSlot(&T::dwGetPos));
-    Expect(iSlot(&T::SetPos));
-    Expect(iSlot(static_cast<void (T::*)(std::wstring &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(__int64 &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned __int64 &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(int &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned int &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(short &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned short &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(long &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned long &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(char &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t &)>(&T::Read)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned char &)>(&T::Read)));
-    Expect(iSlot(&T::ReadChar));
-    Expect(iSlot(&T::PeekChar));
-    Expect(iSlot(&T::SkipChars));
-    Expect(iSlot(&T::Peek));
-    Expect(iSlot(static_cast<void (T::*)(std::wstring &)>(&T::ReadString)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t *, unsigned long)>(&T::ReadString)));
-    Expect(iSlot(&T::ReadStringForPascal));
-    Expect(iSlot(&T::ReadPascalString));
-    Expect(iSlot(&T::ReadPascalStringInt16));
-    Expect(iSlot(&T::Read8BitChars));
-    Expect(iSlot(&T::Read8BitBlob));
-    Expect(iSlot(&T::ReadToDelim));
-    Expect(iSlot(static_cast<void (T::*)(std::wstring &)>(&T::Readln)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t *, unsigned long)>(&T::Readln)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t const *, unsigned long)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t const *)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(std::wstring const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(__int64 const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned __int64 const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(int const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned int const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(short const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned short const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(long const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned long const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(char const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t const &)>(&T::Write)));
-    Expect(iSlot(static_cast<void (T::*)(unsigned char const &)>(&T::Write)));
-    Expect(iSlot(&T::WriteChar));
-    Expect(iSlot(static_cast<void (T::*)(std::wstring const &)>(&T::WriteString)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t const *)>(&T::WriteString)));
-    Expect(iSlot(&T::WritePascalString));
-    Expect(iSlot(&T::Write8BitChars));
-    Expect(iSlot(&T::Write8BitBlob));
-    Expect(iSlot(&T::WritePascalStringInt16));
-    Expect(iSlot(static_cast<void (T::*)(std::wstring const &)>(&T::Writeln)));
-    Expect(iSlot(static_cast<void (T::*)(wchar_t const *)>(&T::Writeln)));
-    Expect(iSlot(&T::WriteXML));
-    Expect(iSlot(&T::WriteXMLComment));
-    Expect(iSlot(&T::fIsBinary));
+    Expect(iVirtualSlot(&T::Flush));
+    Expect(iVirtualSlot(static_cast<void (T::*)(void *, unsigned long)>(&T::ReadData)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(void const *, unsigned long)>(&T::WriteData)));
+    Expect(iVirtualSlot(&T::Seek));
+    Expect(iVirtualSlot(&T::fIsEoF));
+    Expect(iVirtualSlot(&T::dwGetSize));
+    Expect(iVirtualSlot(&T::dwGetPos));
+    Expect(iVirtualSlot(&T::SetPos));
+    Expect(iVirtualSlot(static_cast<void (T::*)(std::wstring &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(__int64 &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned __int64 &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(int &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned int &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(short &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned short &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(long &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned long &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(char &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t &)>(&T::Read)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned char &)>(&T::Read)));
+    Expect(iVirtualSlot(&T::ReadChar));
+    Expect(iVirtualSlot(&T::PeekChar));
+    Expect(iVirtualSlot(&T::SkipChars));
+    Expect(iVirtualSlot(&T::Peek));
+    Expect(iVirtualSlot(static_cast<void (T::*)(std::wstring &)>(&T::ReadString)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t *, unsigned long)>(&T::ReadString)));
+    Expect(iVirtualSlot(&T::ReadStringForPascal));
+    Expect(iVirtualSlot(&T::ReadPascalString));
+    Expect(iVirtualSlot(&T::ReadPascalStringInt16));
+    Expect(iVirtualSlot(&T::Read8BitChars));
+    Expect(iVirtualSlot(&T::Read8BitBlob));
+    Expect(iVirtualSlot(&T::ReadToDelim));
+    Expect(iVirtualSlot(static_cast<void (T::*)(std::wstring &)>(&T::Readln)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t *, unsigned long)>(&T::Readln)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t const *, unsigned long)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t const *)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(std::wstring const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(__int64 const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned __int64 const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(int const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned int const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(short const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned short const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(long const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned long const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(char const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t const &)>(&T::Write)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(unsigned char const &)>(&T::Write)));
+    Expect(iVirtualSlot(&T::WriteChar));
+    Expect(iVirtualSlot(static_cast<void (T::*)(std::wstring const &)>(&T::WriteString)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t const *)>(&T::WriteString)));
+    Expect(iVirtualSlot(&T::WritePascalString));
+    Expect(iVirtualSlot(&T::Write8BitChars));
+    Expect(iVirtualSlot(&T::Write8BitBlob));
+    Expect(iVirtualSlot(&T::WritePascalStringInt16));
+    Expect(iVirtualSlot(static_cast<void (T::*)(std::wstring const &)>(&T::Writeln)));
+    Expect(iVirtualSlot(static_cast<void (T::*)(wchar_t const *)>(&T::Writeln)));
+    Expect(iVirtualSlot(&T::WriteXML));
+    Expect(iVirtualSlot(&T::WriteXMLComment));
+    Expect(iVirtualSlot(&T::fIsBinary));
 
     struct TReach : T {
-        static int iFilled() { return iSlot(&TReach::EnsureBufferFilled); }
+        static int iFilled() { return iVirtualSlot(&TReach::EnsureBufferFilled); }
     };
     Expect(TReach::iFilled());
 }
