@@ -1,0 +1,18 @@
+// The commands of the tool, a row each; each is defined in the source that bears its name.
+#pragma once
+
+#include "tools/zk/Command.h"
+
+#include <array>
+
+extern TCommand const tStoreCommand;
+extern TCommand const tShowCommand;
+extern TCommand const tHoldCommand;
+extern TCommand const tWhoCommand;
+
+inline constexpr std::array pCommands{
+    &tStoreCommand,
+    &tShowCommand,
+    &tHoldCommand,
+    &tWhoCommand,
+};
