@@ -79,6 +79,14 @@ struct TPipe {
     zk_test::THandle hWrite;
 };
 
+/// A new file that a child inherits; none for an empty path.
+zk_test::THandle hMakeInheritedFile(std::wstring const & sPath) {
+    if (sPath.empty()) return {};
+    SECURITY_ATTRIBUTES tInherited{sizeof tInherited, nullptr, TRUE};
+    return zk_test::THandle(CreateFileW(sPath.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &tInherited, CREATE_ALWAYS,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
 void WriteAll(HANDLE hPipe, std::string const & sText) {
     DWORD dwWritten = 0;
     if (!WriteFile(hPipe, sText.data(), static_cast<DWORD>(sText.size()), &dwWritten, nullptr))
@@ -165,7 +173,8 @@ void TChildProcess::Start(std::wstring const & sProgram, std::vector<std::wstrin
     tStartup.dwFlags = STARTF_USESTDHANDLES;
     tStartup.hStdInput = tInput.hRead.hGet();
     tStartup.hStdOutput = tOutput.hWrite.hGet();
-    tStartup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    THandle const hErrorFile = hMakeInheritedFile(tOptions.sErrorFile);
+    tStartup.hStdError = hErrorFile ? hErrorFile.hGet() : GetStdHandle(STD_ERROR_HANDLE);
 
     TEnvironment const tEnvironment(tOptions.tEnvironment);
     PROCESS_INFORMATION tProcess{};

@@ -59,6 +59,7 @@ void Say(std::string_view sLine);
 struct TChildOptions {
     std::vector<std::pair<std::wstring, std::wstring>> tEnvironment{}; ///< set on top of this process's own
     std::wstring sDirectory{};                                         ///< to start in; empty: this process's own
+    std::wstring sErrorFile{}; ///< takes its standard error stream; empty: this process's own
 };
 
 /// A running child. It is killed, if it still runs, and waited for when the object goes. All waits end after a

@@ -3,6 +3,8 @@
 #include "ZkBase/Windows.h"
 #include "ZkTools/Exceptions.h"
 
+#include <algorithm>
+
 namespace {
 
 /// The text with CR LF behind every line.

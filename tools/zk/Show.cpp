@@ -6,6 +6,8 @@
 #include "ZkTools/Alias.h"
 #include "ZkTools/FileStream.h"
 
+#include <algorithm>
+
 namespace {
 
 std::wstring sLine(std::wstring_view sName, std::wstring const & sValue) {
@@ -14,16 +16,31 @@ std::wstring sLine(std::wstring_view sName, std::wstring const & sValue) {
     return sText += L"\n";
 }
 
+/// Reads the alias of a file. From memory, because a file stream that ends too early gives empty texts without a word.
+TAlias tReadAlias(wchar_t const * pzPath) {
+    constexpr unsigned long dwMostBytes = 200'000; // no alias takes more
+    TFStream tFile;
+    tFile.Open(pzPath, FS_SHARE_ALL | FS_BINARY);
+    TBlob tBytes(std::min(tFile.dwGetSize(), dwMostBytes));
+    if (tBytes.dwCapacity != 0) tFile.ReadData(tBytes.pData, tBytes.dwCapacity);
+    tBytes.dwUsed = tBytes.dwCapacity;
+    TStreamBase tStream(tBytes, ecpUtf8);
+    TAlias tAlias;
+    try {
+        tAlias.Read(tStream);
+        if (tAlias.fIsEmpty()) throw TXZkTools(L"The tag is empty.");
+    } catch (TXError & tError) {
+        tError.AddMessageStr(L"\"%s\" holds no alias.", pzPath);
+        throw;
+    }
+    return tAlias;
+}
+
 EExit eShow(TArguments const & tArguments) {
     TObjectLock tLock(tArguments.sGet(0), tArguments.sGet(1));
     tLock.Open();
-    TFStream tFile(ecpUtf8);
-    tFile.Open(tLock.sGetObjectPath().c_str(), FS_SHARE_ALL | FS_BINARY);
-    TAlias tAlias;
-    tAlias.Read(tFile);
-    tFile.Close();
+    TAlias const tAlias = tReadAlias(tLock.sGetObjectPath().c_str());
     tLock.Close();
-    if (tAlias.fIsEmpty()) throw TXZkTools(L"\"%s\" holds no alias.", tLock.sGetObjectPath().c_str());
     PrintLine(sLine(L"tag:", tAlias.sGetTag()) + sLine(L"version:", tAlias.sGetVersion()) +
               sLine(L"variant:", tAlias.sGetVariant()));
     return eDone;
