@@ -180,6 +180,15 @@ TEST(Library, HoldsItsMessageModuleUntilItIsUnloaded) {
     EXPECT_TRUE(fIsWritable(sGerman));
 }
 
+TEST(Library, BearsAVersionInEveryModule) {
+    for (wchar_t const * pzName : {L"ZkBase.dll", L"ZkTools.dll", L"ZkToolsMessages.dll", L"ZkToolsMessages.de.dll"}) {
+        HMODULE const hModule = LoadLibraryExW(pzName, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        EXPECT_NE(FindResourceW(hModule, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16)), nullptr)
+            << testing::PrintToString(pzName);
+        FreeLibrary(hModule);
+    }
+}
+
 TEST(Library, KeepsAProgramFromStartingWithoutItsMessages) {
     zk_test::TTempDirectory const tDirectory;
     for (wchar_t const * pzName :
