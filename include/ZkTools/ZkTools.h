@@ -3,6 +3,7 @@
 
 #include "ZkTools/Alias.h"
 #include "ZkTools/BigNumber.h"
+#include "ZkTools/Containers.h"
 #include "ZkTools/DecimalValue.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/FileStream.h"
@@ -11,5 +12,6 @@
 #include "ZkTools/Locks.h"
 #include "ZkTools/MessageIds.h"
 #include "ZkTools/Paths.h"
+#include "ZkTools/PointerQueue.h"
 #include "ZkTools/Stream.h"
 #include "ZkTools/Strings.h"
