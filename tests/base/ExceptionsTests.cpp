@@ -218,7 +218,8 @@ TEST(ThrowDecodeException, LooksAtNoByteWhenThereIsNone) {
 }
 
 TEST(sGetErrorString, IsTheSystemsTextWithoutItsLineEnd) {
-    for (unsigned long uCode : {ERROR_SUCCESS, ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_ALREADY_EXISTS}) {
+    for (unsigned long uCode : std::initializer_list<unsigned long>{ERROR_SUCCESS, ERROR_FILE_NOT_FOUND,
+                                                                    ERROR_ACCESS_DENIED, ERROR_ALREADY_EXISTS}) {
         std::array<wchar_t, 1000> acText{};
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, uCode, 0, acText.data(),
                        static_cast<DWORD>(acText.size()), nullptr);

@@ -220,7 +220,8 @@ TEST(fMakeDirectory, MakesTheMissingPartOfANetworkPath) {
 }
 
 TEST(fMakeDirectory, TellsTheSystemsErrorOfTheDirectoryThatFailed) {
-    for (DWORD dwError : {ERROR_BAD_NETPATH, ERROR_ACCESS_DENIED, ERROR_DISK_FULL, ERROR_INVALID_NAME}) {
+    for (DWORD dwError :
+         std::initializer_list<DWORD>{ERROR_BAD_NETPATH, ERROR_ACCESS_DENIED, ERROR_DISK_FULL, ERROR_INVALID_NAME}) {
         TTree tTree;
         tTree.dwMissing = dwError;
         EXPECT_FALSE(fMakeDirectory(LR"(C:\a\b\c)"));
@@ -247,7 +248,7 @@ TEST(fMakeDirectory, IsTrueForADirectoryThatCannotBeMade) {
 }
 
 TEST(fMakeDirectory, TakesAFileForAParentUnderEitherError) {
-    for (DWORD dwError : {ERROR_PATH_NOT_FOUND, ERROR_DIRECTORY}) {
+    for (DWORD dwError : std::initializer_list<DWORD>{ERROR_PATH_NOT_FOUND, ERROR_DIRECTORY}) {
         TTree tTree;
         tTree.dwMissing = dwError;
         tTree.sDirectories = {L"C:"};
