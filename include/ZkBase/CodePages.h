@@ -41,14 +41,16 @@ enum EConvertDirection : int {
 
 /// Where a `TConvertStream` delivers its bytes.
 struct IConvertReceiver {
-    /// Takes up to `uBytes` bytes and returns how many it took. What it leaves is offered again.
+    /// Takes up to `uBytes` bytes and returns how many it took. What it leaves is offered again at once; after 0, with
+    /// the next call of `Write` or `Flush`.
     virtual unsigned int Receive(void const * pData, unsigned int uBytes) = 0;
 };
 
 /// Converts UTF-16 text to a code page piece by piece: a surrogate pair may be cut between two writes.
 ///
 /// A half of a pair that stands alone, and a character that the code page lacks, become the default character that the
-/// platform's `WideCharToMultiByte` uses.
+/// platform's `WideCharToMultiByte` uses. Under `ecpUtf16` and `ecpUtf16Swapped` units are passed on as they are. What
+/// is held when the object goes is lost.
 class ZKBASE_API TConvertStream {
 public:
     /// \param pReceiver must outlive this object and is not owned
@@ -61,7 +63,7 @@ public:
     /// \throws TXError when the platform cannot convert to the code page
     unsigned int Write(void const * pData, unsigned int uBytes);
 
-    /// Passes on all that is held, a half of a pair included.
+    /// Passes on all that is held, a half of a pair included. What the receiver doesn't take stays held.
     void Flush();
 
 private:

@@ -245,6 +245,8 @@ TEST(fMakeDirectory, IsTrueForADirectoryThatCannotBeMade) {
     EXPECT_TRUE(fMakeDirectory(tTemp.sGetPath().c_str()));
     EXPECT_FALSE(fMakeDirectory(tTemp.sGetPath(L"a").c_str()));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_FALSE(fMakeDirectory(tTemp.sWrite(L"file", "x").c_str())); // a file in the way is told as ever
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
 }
 
 TEST(fMakeDirectory, TakesAFileForAParentUnderEitherError) {
