@@ -4,6 +4,7 @@
 #include "ZkTools/Alias.h"
 #include "ZkTools/BigNumber.h"
 #include "ZkTools/Containers.h"
+#include "ZkTools/DateTime.h"
 #include "ZkTools/DecimalValue.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/FileStream.h"
