@@ -1,6 +1,7 @@
 #include "ZkTools/Alias.h"
 
 #include "ZkBase/Text.h"
+#include "ZkTools/Strings.h"
 
 #include <cwchar>
 
@@ -125,6 +126,13 @@ int TAlias::iCompare(TAlias const & tOther) const noexcept {
     if (int const iResult = iCompareUnits(sTag, tOther.sTag); iResult != 0) return iResult;
     if (int const iResult = iCompareUnits(sVersion, tOther.sVersion); iResult != 0) return iResult;
     return iCompareUnits(sVariant, tOther.sVariant);
+}
+
+int iNumericAliasCompare(TAlias const & tFirst, TAlias const & tSecond) noexcept {
+    if (int const iResult = iNumericStringCompare(tFirst.sGetTag(), tSecond.sGetTag()); iResult != 0) return iResult;
+    if (int const iResult = iNumericStringCompare(tFirst.sGetVersion(), tSecond.sGetVersion()); iResult != 0)
+        return iResult;
+    return iNumericStringCompare(tFirst.sGetVariant(), tSecond.sGetVariant());
 }
 
 TAliasLength::TAliasLength(int iTag_, int iVersion_, int iVariant_) noexcept

@@ -112,6 +112,10 @@ private:
     std::wstring sVariant;
 };
 
+/// Compares tag, then version, then variant in the order of tables that mix numbers and words
+/// (`iNumericStringCompare`): negative, zero or positive, and not normalised.
+[[nodiscard]] ZKTOOLS_API int iNumericAliasCompare(TAlias const & tFirst, TAlias const & tSecond) noexcept;
+
 /// `Write`.
 ZKTOOLS_API TStreamBase & operator<<(TStreamBase & tStream, TAlias const & tAlias);
 /// `Read`.

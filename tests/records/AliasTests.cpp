@@ -324,6 +324,27 @@ TEST(TAliasLength, IsMinusOneByDefault) {
     EXPECT_EQ(tPartly.iVariant, -1);
 }
 
+TEST(INumericAliasCompare, ComparesTagThenVersionThenVariantAsNumbersAndWords) {
+    struct {
+        TAlias tFirst, tSecond;
+        int iExpected; // not normalised
+    } const atRows[] = {
+        {tMake(L"10", L"", L""), tMake(L"9", L"", L""), 1},
+        {tMake(L"1000", L"", L""), tMake(L"9", L"", L""), 3},
+        {tMake(L"9", L"", L""), tMake(L"apple", L"", L""), -1},
+        {tMake(L"a", L"1.11", L""), tMake(L"a", L"1.9", L""), 1},
+        {tMake(L"a", L"10", L"x"), tMake(L"a", L"9", L"y"), 1},
+        {tMake(L"a", L"1", L"x10"), tMake(L"a", L"1", L"x9"), -8},
+        {tMake(L"a", L"1", L"10"), tMake(L"a", L"1", L"9"), 1},
+        {tMake(L"a", L"1", L"Abc"), tMake(L"a", L"1", L"abc"), -1},
+        {tMake(L"007", L"1", L"x"), tMake(L"7", L"01", L"x"), 0},
+        {tMake(L"", L"", L""), tMake(L"", L"", L""), 0},
+    };
+    for (auto const & tRow : atRows)
+        EXPECT_EQ(iNumericAliasCompare(tRow.tFirst, tRow.tSecond), tRow.iExpected);
+    EXPECT_GT(TAlias(L"9").iCompare(TAlias(L"10")), 0); // unlike the order by units
+}
+
 TEST(TAliasLength, TakesTheLengthsOfAnAlias) {
     TAlias tAlias = tMake(L"Tag", L"12", L"");
     TAliasLength tLength(tAlias);
