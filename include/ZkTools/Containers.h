@@ -326,14 +326,24 @@ public:
     [[nodiscard]] bool IsEmpty() const noexcept { return tQueue.fIsEmpty(); }
 
 protected:
-    TPointerQueue<T> tQueue;
-
-private:
+    /// The offset of an index.
+    /// \throws std::out_of_range outside the array
     [[nodiscard]] std::size_t uChecked(int iIndex) const {
         unsigned int const uOffset = TBase::ZeroBase(iIndex);
         if (uOffset >= tQueue.uGetCount()) TBase::ThrowBadIndex();
         return uOffset;
     }
+    /// Takes elements, ownership and lower bound of another array, which is empty afterwards.
+    void TakeOver(TIArrayAsVector & tOther) noexcept {
+        Flush();
+        TBase::operator=(tOther);
+        TZkShouldDelete::operator=(tOther);
+        tQueue = std::move(tOther.tQueue);
+    }
+
+    TPointerQueue<T> tQueue;
+
+private:
     [[nodiscard]] std::size_t uFind(T const * pValue) const {
         auto const fEquals = [pValue](T const * pElement) {
             return pElement == pValue || (pElement != nullptr && pValue != nullptr && *pElement == *pValue);
@@ -366,6 +376,11 @@ public:
     /// (`TStreamBase::ReadPascalStringInt16`). After a failure of the stream the array holds what was read before it.
     void Read(TStreamBase & tStream);
     void Write(TStreamBase & tStream) const;
+
+    /// Replaces the strings by the texts of all children of the element, whatever their names.
+    void Read(TOptionElement const & tElement);
+    /// Adds a child "String" for each string. The children that the element has stay: writing twice doubles the list.
+    void Write(TOptionElement & tElement) const;
 };
 
 /// A set of numbers from 0 to 255, kept in 32 bytes and nothing else: number `n` is bit `n % 8` of byte `n / 8`. So it

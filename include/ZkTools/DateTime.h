@@ -13,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+class TOptionElement;
 class TStreamBase;
 
 /// Which parts of a date are printed.
@@ -83,6 +84,12 @@ struct ZKTOOLS_API TStructTm : tm {
     void Read(TStreamBase & tStream);
     /// Writes nine 16-bit integers, 18 bytes: of each field the low half.
     void Write(TStreamBase & tStream) const;
+
+    /// Reads the text of the element (`TZkDateTime`). One that is no date gives 1601-01-01 00:00:00.
+    void Read(TOptionElement const & tElement);
+    /// Writes the text "2024-01-15T08:30:00". Fields that are no date, such as those of a new object, are written as
+    /// 1601-01-01T00:00:00.
+    void Write(TOptionElement & tElement) const;
 };
 
 /// A moment on a wall clock, in ticks of 100 ns since 1601-01-01 00:00:00: the scale and the layout of a FILETIME.

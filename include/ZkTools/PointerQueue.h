@@ -31,9 +31,9 @@ public:
     }
     ~TPointerQueue() { Clear(); }
 
-    [[nodiscard]] T ** begin() noexcept { return pGetRoom() + uFirst; }
+    [[nodiscard]] T ** begin() noexcept { return fIsInside() ? tRoom.apInside : tRoom.tOutside.pFirst; }
     [[nodiscard]] T ** end() noexcept { return begin() + uCount; }
-    [[nodiscard]] T * const * begin() const noexcept { return pGetRoom() + uFirst; }
+    [[nodiscard]] T * const * begin() const noexcept { return fIsInside() ? tRoom.apInside : tRoom.tOutside.pFirst; }
     [[nodiscard]] T * const * end() const noexcept { return begin() + uCount; }
 
     [[nodiscard]] std::size_t uGetCount() const noexcept { return uCount; }
@@ -50,12 +50,12 @@ public:
     /// Inserts before the pointer at `uIndex`, which is at most the count.
     void Insert(std::size_t uIndex, T * p) {
         assert(uIndex <= uCount);
-        bool const fAtFront = uIndex < uCount / 2;
-        if (fAtFront ? uFirst == 0 : uFirst + uCount == uCapacity) MakeRoom(fAtFront);
+        bool const fAtFront = !fIsInside() && uIndex < uCount / 2;
+        if (uGetFree(fAtFront) == 0) MakeRoom(fAtFront);
         T ** const pStart = begin();
         if (fAtFront) {
             std::copy(pStart, pStart + uIndex, pStart - 1);
-            --uFirst;
+            --tRoom.tOutside.pFirst;
         } else {
             std::copy_backward(pStart + uIndex, pStart + uCount, pStart + uCount + 1);
         }
@@ -68,9 +68,9 @@ public:
         assert(uIndex < uCount);
         if (uCount <= 1) return Clear();
         T ** const pStart = begin();
-        if (uIndex < uCount / 2) {
+        if (!fIsInside() && uIndex < uCount / 2) {
             std::copy_backward(pStart, pStart + uIndex, pStart + uIndex + 1);
-            ++uFirst;
+            ++tRoom.tOutside.pFirst;
         } else {
             std::copy(pStart + uIndex + 1, pStart + uCount, pStart + uIndex);
         }
@@ -78,9 +78,8 @@ public:
     }
 
     void Clear() noexcept {
-        if (uCapacity != uInside) delete[] tRoom.pOutside;
+        if (!fIsInside()) delete[] tRoom.tOutside.pRoom;
         uCapacity = uInside;
-        uFirst = 0;
         uCount = 0;
     }
 
@@ -92,15 +91,26 @@ public:
 private:
     static constexpr std::uint32_t uInside = 2;
 
-    [[nodiscard]] T ** pGetRoom() noexcept { return uCapacity == uInside ? tRoom.apInside : tRoom.pOutside; }
-    [[nodiscard]] T * const * pGetRoom() const noexcept {
-        return uCapacity == uInside ? tRoom.apInside : tRoom.pOutside;
+    union URoom {
+        T * apInside[uInside] = {}; // the pointers themselves, from the first place on
+        struct {
+            T ** pFirst;
+            T ** pRoom; // owned
+        } tOutside;
+    };
+
+    /// No room of the heap has as few places as there are inside.
+    [[nodiscard]] bool fIsInside() const noexcept { return uCapacity == uInside; }
+
+    /// The free places at one end.
+    [[nodiscard]] std::size_t uGetFree(bool fAtFront) const noexcept {
+        auto const uFront = fIsInside() ? 0 : static_cast<std::size_t>(tRoom.tOutside.pFirst - tRoom.tOutside.pRoom);
+        return fAtFront ? uFront : uCapacity - uCount - uFront;
     }
 
     void Swap(TPointerQueue & tOther) noexcept {
         std::swap(tRoom, tOther.tRoom);
         std::swap(uCapacity, tOther.uCapacity);
-        std::swap(uFirst, tOther.uFirst);
         std::swap(uCount, tOther.uCount);
     }
 
@@ -109,14 +119,13 @@ private:
     void MakeRoom(bool fAtFront) {
         std::size_t const uFree = uCapacity - uCount;
         if (uFree != 0 && uFree >= uCapacity / 4) {
-            std::size_t const uNewFirst = fAtFront ? (uFree + 1) / 2 : uFree / 2;
-            T ** const pRoom = pGetRoom();
-            if (uNewFirst < uFirst) {
-                std::copy(begin(), end(), pRoom + uNewFirst);
+            T ** const pNewFirst = tRoom.tOutside.pRoom + (fAtFront ? (uFree + 1) / 2 : uFree / 2);
+            if (pNewFirst < tRoom.tOutside.pFirst) {
+                std::copy(begin(), end(), pNewFirst);
             } else {
-                std::copy_backward(begin(), end(), pRoom + uNewFirst + uCount);
+                std::copy_backward(begin(), end(), pNewFirst + uCount);
             }
-            uFirst = static_cast<std::uint32_t>(uNewFirst);
+            tRoom.tOutside.pFirst = pNewFirst;
             return;
         }
         std::size_t const uNewCapacity = std::size_t{uCapacity} * 2;
@@ -128,19 +137,12 @@ private:
         if (uNewCapacity > std::numeric_limits<std::int32_t>::max()) throw std::length_error("the array is full");
         T ** const pNew = new T *[uNewCapacity];
         std::copy(begin(), end(), pNew + uNewFirst);
-        if (uCapacity != uInside) delete[] tRoom.pOutside;
-        tRoom.pOutside = pNew;
+        if (!fIsInside()) delete[] tRoom.tOutside.pRoom;
+        tRoom.tOutside = {pNew + uNewFirst, pNew};
         uCapacity = static_cast<std::uint32_t>(uNewCapacity);
-        uFirst = static_cast<std::uint32_t>(uNewFirst);
     }
-
-    union URoom {
-        T * apInside[uInside] = {}; // while uCapacity is uInside
-        T ** pOutside;              // owned
-    };
 
     URoom tRoom;
     std::uint32_t uCapacity = uInside;
-    std::uint32_t uFirst = 0;
     std::uint32_t uCount = 0;
 };

@@ -3,7 +3,6 @@
 
 #include "ZkTools/Alias.h"
 #include "ZkTools/BigNumber.h"
-#include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Containers.h"
 #include "ZkTools/DateTime.h"
 #include "ZkTools/DecimalValue.h"
@@ -13,6 +12,7 @@
 #include "ZkTools/Library.h"
 #include "ZkTools/Locks.h"
 #include "ZkTools/MessageIds.h"
+#include "ZkTools/OptionTree.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/PointerQueue.h"
 #include "ZkTools/Stream.h"
