@@ -2,6 +2,7 @@
 #include "ZkTools/Alias.h"
 
 #include "ZkBase/Text.h"
+#include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/Stream.h"
 #include "records/OldTagRecord.h"
@@ -15,6 +16,12 @@ constexpr char cCurrentFormMark = 1; // no old record begins with it: there it w
 std::wstring sReadCounted(TStreamBase & tStream) {
     std::wstring sText;
     tStream.ReadPascalStringInt16(sText);
+    return string_functions::sStrip(sText, string_functions::esBoth, L" ");
+}
+
+std::wstring sReadString(TIStream & tStream) {
+    std::wstring sText;
+    tStream.ReadString(sText);
     return string_functions::sStrip(sText, string_functions::esBoth, L" ");
 }
 
@@ -65,6 +72,20 @@ void TAlias::WritePure(TStreamBase & tStream) const {
     tStream.WritePascalStringInt16(sTag);
     tStream.WritePascalStringInt16(sVersion);
     tStream.WritePascalStringInt16(sVariant);
+}
+
+void TAlias::Read(TIStream & tStream) {
+    std::wstring sNewTag = sReadString(tStream);
+    std::wstring sNewVersion = sReadString(tStream);
+    sVariant = sReadString(tStream);
+    sTag = std::move(sNewTag);
+    sVersion = std::move(sNewVersion);
+}
+
+void TAlias::Write(TIStream & tStream) const {
+    tStream.WriteString(sTag);
+    tStream.WriteString(sVersion);
+    tStream.WriteString(sVariant);
 }
 
 bool TAlias::fIsTagRecCompatible() const noexcept {

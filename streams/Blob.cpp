@@ -2,6 +2,7 @@
 
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/MessageIds.h"
+#include "streams/CopyBytes.h"
 
 #include <algorithm>
 #include <bit>
@@ -21,14 +22,14 @@ static_assert(sizeof(TBlob) == 20 && offsetof(TBlob, dwPos) == 4 && offsetof(TBl
 
 namespace {
 
-/// What is really taken from the system for a capacity: that and the guard byte, rounded up to a quarter of a power of
-/// two. The capacity grows byte by byte where a block is written without reserving, and the memory moves only when the
-/// rounded size changes: in all, writing stays linear.
+/// What is really taken from the system for a capacity: that and the guard byte, rounded up to half a power of two. The
+/// capacity grows byte by byte where a block is written without reserving, and the memory moves only when the rounded
+/// size changes: in all, writing stays linear.
 std::size_t uGetAllocation(std::size_t uCapacity) noexcept {
     constexpr std::size_t uSmallest = 64;
     std::size_t const uNeeded = uCapacity + 1;
     if (uNeeded <= uSmallest) return uSmallest;
-    std::size_t const uStep = std::bit_floor(uNeeded - 1) / 4;
+    std::size_t const uStep = std::bit_floor(uNeeded - 1) / 2;
     return (uNeeded + uStep - 1) / uStep * uStep;
 }
 
@@ -120,14 +121,14 @@ void TBlob::Get(void * pTarget, unsigned long dwCount) {
     if (pTarget == nullptr) throw TXZkTools(IDS_NULL_READ_BUFFER);
     unsigned long const dwFrom = dwPos;
     Skip(dwCount);
-    if (dwCount != 0) std::memcpy(pTarget, pData + dwFrom, dwCount);
+    CopyBytes(pTarget, pData + dwFrom, dwCount);
 }
 
 void TBlob::Put(void const * pSource, unsigned long dwCount) {
     std::uint64_t const uEnd = std::uint64_t{dwPos} + dwCount;
     // Deliberate: no step of growth here; the capacity is a figure that callers read.
     if (uEnd > dwCapacity) Resize(dwChecked(uEnd));
-    if (dwCount != 0) std::memcpy(pData + dwPos, pSource, dwCount);
+    CopyBytes(pData + dwPos, pSource, dwCount);
     dwPos += dwCount;
     fDirty = true;
     dwUsed = std::max(dwUsed, dwPos);

@@ -6,12 +6,12 @@
 
 namespace {
 
-/// The unit that the bytes of one character give, or 0 when they are refused or give more than one.
+/// The unit that the bytes of one character give, or 0 when they are refused, give more than one, or 0xFFFF.
 wchar_t cConvert(unsigned short uCodePage, char const * pBytes, int iCount) noexcept {
     std::array<wchar_t, 6> acUnits{};
     int const iUnits = MultiByteToWideChar(uCodePage, MB_ERR_INVALID_CHARS, pBytes, iCount, acUnits.data(),
                                            static_cast<int>(acUnits.size()));
-    return iUnits == 1 ? acUnits[0] : L'\0';
+    return iUnits == 1 && acUnits[0] != 0xFFFF ? acUnits[0] : L'\0';
 }
 
 } // namespace
@@ -59,7 +59,7 @@ TCodePageTable::TCodePageTable(unsigned short uCodePage_) : uCodePage(uCodePage_
         char const acBytes[] = {static_cast<char>(u), 'A', '\0'};
         afLead[u] = CharNextExA(uCodePage, acBytes, 0) - acBytes != 1;
         if (!afLead[u]) acSingle[u] = cConvert(uCodePage, acBytes, 1);
-        if (u < 128 && acSingle[u] != u) fAscii = false;
+        if (u < 0x80 && acSingle[u] != u) fAscii = false;
     }
 }
 
@@ -68,22 +68,13 @@ TCodePageTable::~TCodePageTable() {
         std::unique_ptr<TRow const> const pDone(pRow.load());
 }
 
-wchar_t TCodePageTable::cDecodePair(unsigned char const * p, std::size_t uLeft, unsigned int & uLength) const {
-    if (!afLead[*p] || uLeft < 2) return 0;
-    uLength = 2;
-    return tGetRow(*p)[p[1]];
-}
-
-TCodePageTable::TRow const & TCodePageTable::tGetRow(unsigned char uLead) const {
-    std::atomic<TRow const *> & pRow = apRows[uLead];
-    if (TRow const * pFound = pRow.load(std::memory_order_acquire); pFound != nullptr) return *pFound;
-
+TCodePageTable::TRow const * TCodePageTable::pMakeRow(unsigned char uLead) const {
     auto pNew = std::make_unique<TRow>();
     for (unsigned int u = 1; u < pNew->size(); ++u) {
         char const acPair[] = {static_cast<char>(uLead), static_cast<char>(u)};
         (*pNew)[u] = cConvert(uCodePage, acPair, 2);
     }
-    TRow const * pExpected = nullptr;
-    if (!pRow.compare_exchange_strong(pExpected, pNew.get(), std::memory_order_acq_rel)) return *pExpected;
-    return *pNew.release();
+    TRow const * pExpected = nullptr; // another thread may have been faster
+    if (!apRows[uLead].compare_exchange_strong(pExpected, pNew.get(), std::memory_order_acq_rel)) return pExpected;
+    return pNew.release();
 }

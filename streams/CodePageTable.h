@@ -6,7 +6,7 @@
 #include <cstddef>
 
 /// The decoding table of one code page, as the platform's CharNextExA and MultiByteToWideChar give it for a character
-/// that stands alone. A character that they refuse, or that gives more than one unit, is not in the table.
+/// that stands alone. A character that they refuse, that gives more than one unit, or that gives 0xFFFF, is not in it.
 class TCodePageTable {
 public:
     /// The table of a code page, made at first use and kept as long as the library is loaded. Safe on any thread.
@@ -17,22 +17,28 @@ public:
     TCodePageTable & operator=(TCodePageTable const &) = delete;
     ~TCodePageTable();
 
-    /// True when the bytes 1 to 127 are the units of the same values.
+    /// True when the bytes 1 to 127 are characters of their own, the units of the same values.
     [[nodiscard]] bool fIsAscii() const noexcept { return fAscii; }
 
     /// The unit of the character at `p`, of which `uLeft` bytes are left; 0 when it is not in the table. `uLength` is
     /// set to 2 for a character of two bytes and left alone otherwise.
     [[nodiscard]] wchar_t cDecode(unsigned char const * p, std::size_t uLeft, unsigned int & uLength) const {
-        if (wchar_t const c = acSingle[*p]; c != 0) return c;
-        return cDecodePair(p, uLeft, uLength);
+        wchar_t const c = acSingle[*p];
+        return c != 0 ? c : cDecodePair(p, uLeft, uLength);
     }
 
 private:
     friend class TCodePageTables;
     using TRow = std::array<wchar_t, 256>; // by a byte
 
-    wchar_t cDecodePair(unsigned char const * p, std::size_t uLeft, unsigned int & uLength) const;
-    TRow const & tGetRow(unsigned char uLead) const;
+    [[nodiscard]] wchar_t cDecodePair(unsigned char const * p, std::size_t uLeft, unsigned int & uLength) const {
+        if (!afLead[*p] || uLeft < 2) return 0;
+        TRow const * pRow = apRows[*p].load(std::memory_order_acquire);
+        if (pRow == nullptr) pRow = pMakeRow(*p);
+        uLength = 2;
+        return (*pRow)[p[1]];
+    }
+    TRow const * pMakeRow(unsigned char uLead) const;
 
     unsigned short uCodePage;
     bool fAscii = true;

@@ -7,6 +7,7 @@
 #include "ZkTools/Files.h"
 #include "ZkTools/MessageIds.h"
 #include "frame/Failures.h"
+#include "streams/CopyBytes.h"
 #include "streams/TextCollector.h"
 
 #include <algorithm>
@@ -22,9 +23,9 @@ namespace {
 
 constexpr unsigned long dwTextBuffer = 65536;
 constexpr unsigned long dwLongestPlainCharacter = 4; // bytes that must not be cut by the end of the buffer
-constexpr unsigned long dwUsualReserve = 16384;      // what the readers hand on; nothing depends on it
 
 constexpr wchar_t cLineFeed = 10;
+constexpr wchar_t cCarriageReturn = 13;
 constexpr wchar_t cNeverStored = 0xFFFF;
 
 struct TByteOrderMark {
@@ -180,7 +181,7 @@ void TFStreamBase::ReadDataInternal(void * pTarget, unsigned long dwCount) {
             if (pBlob->dwUsed == 0) return; // a device that has nothing more, whatever size it told
         }
         unsigned long const dwPiece = std::min(dwCount, pBlob->dwUsed - pBlob->dwPos);
-        std::memcpy(pTo, pBlob->pGetDataAtPos(), dwPiece);
+        CopyBytes(pTo, pBlob->pGetDataAtPos(), dwPiece);
         pBlob->dwPos += dwPiece;
         pTo += dwPiece;
         dwCount -= dwPiece;
@@ -292,7 +293,7 @@ void TFStreamBase::ReadData(std::wstring & sText, unsigned long dwCount) {
 }
 
 void TFStreamBase::ReadString(std::wstring & sText) {
-    ReadToDelim(sText, L'\0', L'\\', false, dwUsualReserve);
+    ReadToDelim(sText, L'\0', L'\\', false, 0);
 }
 
 void TFStreamBase::ReadString(wchar_t * pzTarget, unsigned long dwSize) {
@@ -302,20 +303,20 @@ void TFStreamBase::ReadString(wchar_t * pzTarget, unsigned long dwSize) {
 }
 
 void TFStreamBase::ReadToDelim(std::wstring & sText, wchar_t cDelim, wchar_t cEscape, bool fKeepDelim, unsigned long) {
-    NeedBlock();
     sText.clear();
-    if (!fIsEoF()) EnsureBufferFilled(); // a mark alone is an empty text
     TTextCollector tText;
-    bool fEscaped = false; // the character before was an escape
+    CollectToDelim(tText, cDelim, cEscape, fKeepDelim);
+    tText.MoveTo(sText);
+}
+
+void TFStreamBase::CollectToDelim(TTextCollector & tText, wchar_t cDelim, wchar_t cEscape, bool fKeepDelim) {
+    NeedBlock();
+    if (!fIsEoF()) EnsureBufferFilled(); // a mark alone is an empty text
+    bool fEscaped = false;               // the character before was an escape
     while (!fIsEoF()) {
         if (!fEscaped) {
-            unsigned long dwAny = ULONG_MAX;
-            wchar_t * const pRoom = tText.pGetRoom();
-            if (unsigned long const dwUnits = dwReadRun(pRoom, tText.dwGetRoom(), dwAny, cDelim, cEscape);
-                dwUnits != 0) {
-                tText.Advance(dwUnits);
-                continue;
-            }
+            dwCollectRun(tText, ULONG_MAX, cDelim, cEscape);
+            if (fIsEoF()) break;
         }
         wchar_t c = 0;
         ReadCharInternal(c, cDelim == 0);
@@ -326,15 +327,23 @@ void TFStreamBase::ReadToDelim(std::wstring & sText, wchar_t cDelim, wchar_t cEs
         if ((!fFound || fKeepDelim) && c != cNeverStored) tText.Add(c);
         if (fFound) break;
     }
-    tText.MoveTo(sText);
+}
+
+/// Passes over an ASCII character at the position of a buffer of UTF-8 and tells whether it stood there: what ends most
+/// texts, without the long way of a character.
+bool TFStreamBase::fPassByte(wchar_t c) {
+    bool const fThere =
+        uCodePage == CP_UTF8 && c != 0 && c < 0x80 && pBlob->dwPos < pBlob->dwUsed && *pBlob->pGetDataAtPos() == c;
+    if (fThere) ++pBlob->dwPos;
+    return fThere;
 }
 
 void TFStreamBase::Readln(std::wstring & sText) {
-    std::wstring sLine;
+    TTextCollector tLine;
     // Deliberate: a backslash in front of the line end keeps the line going, and both stand in it.
-    ReadToDelim(sLine, cLineFeed, L'\\', false, dwUsualReserve);
-    sLine.erase(sLine.find_last_not_of(L'\r') + 1);
-    sText = std::move(sLine);
+    CollectToDelim(tLine, cLineFeed, L'\\', false);
+    tLine.DropAtEnd(cCarriageReturn);
+    tLine.MoveTo(sText);
 }
 
 void TFStreamBase::Readln(wchar_t * pzTarget, unsigned long dwSize) {

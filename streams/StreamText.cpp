@@ -147,11 +147,18 @@ void TStreamBase::ReadCharInternal(wchar_t & c, bool fAllowNull) {
     c = cRead;
 }
 
+/// Takes a run into the collector. Returns the bytes that it took.
+unsigned long TStreamBase::dwCollectRun(TTextCollector & tText, unsigned long dwMostBytes, wchar_t cStop1,
+                                        wchar_t cStop2) {
+    wchar_t * const pRoom = tText.pGetRoom();
+    unsigned long dwLeft = dwMostBytes;
+    tText.Advance(dwReadRun(pRoom, tText.dwGetRoom(), dwLeft, cStop1, cStop2));
+    return dwMostBytes - dwLeft;
+}
+
 unsigned long TStreamBase::dwReadRun(wchar_t * pTarget, unsigned long dwRoom, unsigned long & dwMostBytes,
                                      wchar_t cStop1, wchar_t cStop2) {
-    if (fIsEoF()) return 0;
     EnsureBufferFilled();
-    if (pBlob == nullptr) return 0;
     unsigned long const dwLeft = pBlob->dwPos < pBlob->dwUsed ? pBlob->dwUsed - pBlob->dwPos : 0;
     TTextRun const tRun =
         tDecodeRun(uCodePage, pBlob->pGetDataAtPos(), std::min(dwLeft, dwMostBytes), pTarget, dwRoom, cStop1, cStop2);
@@ -196,12 +203,8 @@ void TStreamBase::Read(std::wstring & sText) {
 void TStreamBase::ReadString(std::wstring & sText) {
     TTextCollector tText;
     while (!fIsEoF()) {
-        unsigned long dwAny = ULONG_MAX;
-        wchar_t * const pRoom = tText.pGetRoom();
-        if (unsigned long const dwUnits = dwReadRun(pRoom, tText.dwGetRoom(), dwAny, 0, 0); dwUnits != 0) {
-            tText.Advance(dwUnits);
-            continue;
-        }
+        dwCollectRun(tText, ULONG_MAX, 0, 0);
+        if (fIsEoF()) break;
         wchar_t c = 0;
         ReadCharInternal(c, true);
         if (c == 0) break;
@@ -216,6 +219,7 @@ void TStreamBase::ReadString(wchar_t * pzTarget, unsigned long dwSize) {
     while (dwStored < dwSize - 1) {
         // A run may write into all of the room that it is given, and the caller's buffer behind the text is not ours.
         std::array<wchar_t, 256> acRun;
+        if (fIsEoF()) throw TXZkTools(IDS_READ_PAST_END);
         unsigned long dwAny = ULONG_MAX;
         unsigned long const dwRoom = std::min<unsigned long>(dwSize - 1 - dwStored, acRun.size());
         if (unsigned long const dwUnits = dwReadRun(acRun.data(), dwRoom, dwAny, 0, 0); dwUnits != 0) {
@@ -233,11 +237,9 @@ void TStreamBase::ReadString(wchar_t * pzTarget, unsigned long dwSize) {
 void TStreamBase::ReadStringForPascal(std::wstring & sText, unsigned long dwBytes) {
     TTextCollector tText;
     while (dwBytes != 0) {
-        wchar_t * const pRoom = tText.pGetRoom();
-        if (unsigned long const dwUnits = dwReadRun(pRoom, tText.dwGetRoom(), dwBytes, 0, 0); dwUnits != 0) {
-            tText.Advance(dwUnits);
-            continue;
-        }
+        if (fIsEoF()) throw TXZkTools(IDS_READ_PAST_END);
+        dwBytes -= dwCollectRun(tText, dwBytes, 0, 0);
+        if (dwBytes == 0) break;
         wchar_t c = 0;
         unsigned int const uTaken = PeekCharInternal(c, true);
         AdvanceBlock(uTaken);
@@ -284,13 +286,8 @@ void TStreamBase::ReadToDelim(std::wstring & sText, wchar_t cDelim, wchar_t cEsc
     bool fEscaped = false; // the character before was an escape
     while (!fIsEoF()) {
         if (!fEscaped) {
-            unsigned long dwAny = ULONG_MAX;
-            wchar_t * const pRoom = tText.pGetRoom();
-            if (unsigned long const dwUnits = dwReadRun(pRoom, tText.dwGetRoom(), dwAny, cDelim, cEscape);
-                dwUnits != 0) {
-                tText.Advance(dwUnits);
-                continue;
-            }
+            dwCollectRun(tText, ULONG_MAX, cDelim, cEscape);
+            if (fIsEoF()) break;
         }
         wchar_t c = 0;
         ReadCharInternal(c, cDelim == 0);
@@ -347,17 +344,8 @@ int TStreamBase::iGetEncodedSize(wchar_t const * pText, int iCount) const {
 /// Converts the text into the conversion buffer and returns its size. A count of -1 takes the terminator in.
 int TStreamBase::iEncode(wchar_t const * pText, int iCount) {
     if (uCodePage == CP_UTF8) {
-        std::size_t const uUnits = iCount < 0 ? std::wcslen(pText) + 1 : static_cast<std::size_t>(iCount);
-        if (uUnits <= INT_MAX) {
-            int const iUnits = static_cast<int>(uUnits);
-            // A short text surely fits; of a longer one the size is counted.
-            bool const fFits = uUnits * 3 <= static_cast<std::size_t>(iConvertBufferSize);
-            int const iSize = fFits ? iConvertBufferSize : iGetUtf8Size(pText, iUnits);
-            if (iSize > 0) {
-                AllocUTF8Buffer(iSize);
-                if (int const iDone = iEncodeUtf8(pText, iUnits, pConvertBuffer.get()); iDone > 0) return iDone;
-            }
-        }
+        std::size_t const uUnits = iCount < 0 ? uGetTextLength(pText) + 1 : static_cast<std::size_t>(iCount);
+        if (int const iDone = iEncodeAsUtf8(pText, uUnits); iDone > 0) return iDone;
     }
     int const iSize = iGetEncodedSize(pText, iCount);
     AllocUTF8Buffer(iSize);
@@ -365,6 +353,19 @@ int TStreamBase::iEncode(wchar_t const * pText, int iCount) {
     int const iDone = WideCharToMultiByte(uCodePage, 0, pText, iCount, pConvertBuffer.get(), iSize, nullptr, nullptr);
     if (iDone < 1) ThrowEncodeFailure();
     return iDone;
+}
+
+/// The same for UTF-8 without the platform; -1 for a text that only the platform can convert.
+int TStreamBase::iEncodeAsUtf8(wchar_t const * pText, std::size_t uUnits) {
+    if (uUnits > INT_MAX) return -1;
+    int const iUnits = static_cast<int>(uUnits);
+    // A short text surely fits; of a longer one the size is counted.
+    if (uUnits * 3 >= static_cast<std::size_t>(iConvertBufferSize)) {
+        int const iSize = iGetUtf8Size(pText, iUnits);
+        if (iSize < 0 || iSize == INT_MAX) return -1;
+        AllocUTF8Buffer(iSize + 1);
+    }
+    return iEncodeUtf8(pText, iUnits, pConvertBuffer.get());
 }
 
 void TStreamBase::Write(wchar_t const * pText, unsigned long dwCount) {

@@ -25,6 +25,13 @@ public:
         ++uCount;
     }
 
+    /// Drops every `c` at the end.
+    void DropAtEnd(wchar_t c) {
+        while (uCount != 0 && acUnits[uCount - 1] == c)
+            --uCount;
+        if (uCount == 0) sSpilled.erase(sSpilled.find_last_not_of(c) + 1);
+    }
+
     void AppendTo(std::wstring & sTarget) const { sTarget.append(sSpilled).append(acUnits, uCount); }
 
     void MoveTo(std::wstring & sTarget) {

@@ -3,10 +3,12 @@
 #include "ZkBase/Windows.h"
 #include "streams/CodePageTable.h"
 
+#include <algorithm>
 #include <bit>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include <emmintrin.h>
 
@@ -23,104 +25,181 @@ public:
         return c == 0 || c == cNeverPlain || c == cStop1 || c == cStop2;
     }
 
-    /// A stop as an ASCII byte; 0, which is a stop anyway, when it is none.
-    [[nodiscard]] char cGetAscii1() const noexcept { return cAscii(cStop1); }
-    [[nodiscard]] char cGetAscii2() const noexcept { return cAscii(cStop2); }
+    /// True when both are ASCII, as a zero for none is.
+    [[nodiscard]] bool fAreAscii() const noexcept { return (cStop1 | cStop2) < 0x80; }
+    [[nodiscard]] char cGetAscii1() const noexcept { return static_cast<char>(cStop1); }
+    [[nodiscard]] char cGetAscii2() const noexcept { return static_cast<char>(cStop2); }
 
 private:
-    static char cAscii(wchar_t c) noexcept { return c < 0x80 ? static_cast<char>(c) : '\0'; }
-
     wchar_t cStop1;
     wchar_t cStop2;
 };
 
-/// A run in the making: what is left of the bytes and of the room.
-struct TRunState {
+/// Where a run has come to.
+struct TRunEnd {
     unsigned char const * p;
-    unsigned char const * pEnd;
     wchar_t * pOut;
-    wchar_t * pOutEnd;
-
-    [[nodiscard]] bool fDone() const noexcept { return p == pEnd || pOut == pOutEnd; }
-    [[nodiscard]] std::size_t uLeft() const noexcept { return static_cast<std::size_t>(pEnd - p); }
-    [[nodiscard]] std::size_t uRoom() const noexcept { return static_cast<std::size_t>(pOutEnd - pOut); }
 };
 
-/// Takes ASCII as long as there are 16 bytes and room for 16 units. Ends in front of a stop or of a byte above 127.
-void AsciiRun(TRunState & t, TStops const & tStops) noexcept {
+// The runs keep what they work on in variables of their own, not in a structure: that would stand in memory, and be
+// waited for there.
+
+/// Decodes one well-formed character of up to three bytes that is not 0xFFFF; 0 when it is none. Four bytes are two
+/// units: not for here. `uLength` is set for more than one byte.
+constexpr auto cDecodeUtf8 = [](unsigned char const * p, std::size_t uLeft, unsigned int & uLength) -> wchar_t {
+    unsigned int const u0 = p[0];
+    if (u0 < 0x80) return static_cast<wchar_t>(u0);
+    if (uLeft < 2) return 0;
+    unsigned int const u1 = p[1] ^ 0x80u; // below 0x40 for a continuation byte
+    if (u0 < 0xE0) {
+        uLength = 2;
+        return u0 >= 0xC2 && u1 < 0x40 ? static_cast<wchar_t>((u0 & 0x1F) << 6 | u1) : L'\0';
+    }
+    if (uLeft < 3) return 0;
+    unsigned int const u2 = p[2] ^ 0x80u;
+    unsigned int const uUnit = (u0 & 0x0F) << 12 | u1 << 6 | u2;
+    bool const fPlain =
+        u0 < 0xF0 && (u1 | u2) < 0x40 && uUnit >= 0x800 && (uUnit & 0xF800) != 0xD800 && uUnit != cNeverPlain;
+    uLength = 3;
+    return fPlain ? static_cast<wchar_t>(uUnit) : L'\0';
+};
+
+/// Decodes character by character. `cDecode` takes the bytes, how many are left, and the length to set, which is 1.
+template <typename TDecode>
+TRunEnd tCharacterRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
+                      TStops tStops, TDecode cDecode) {
+    while (p != pEnd && pOut != pOutEnd) {
+        unsigned int uLength = 1;
+        wchar_t const c = cDecode(p, static_cast<std::size_t>(pEnd - p), uLength);
+        if (tStops.fIsStop(c)) break;
+        *pOut++ = c;
+        p += uLength;
+    }
+    return {p, pOut};
+}
+
+/// Decodes UTF-8 from a byte above ASCII up to the next ASCII byte, as long as four bytes are left. False when it ended
+/// at what needs care.
+bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
+                    wchar_t const * pOutEnd) noexcept {
+    unsigned char const * p = pFrom;
+    wchar_t * pOut = pTo;
+    bool fPlain = true;
+    while (pEnd - p >= 4 && pOut != pOutEnd && *p >= 0x80) {
+        std::uint32_t u = 0;
+        std::memcpy(&u, p, sizeof u);
+        if ((u & 0xC0C0F0) == 0x8080E0) {
+            std::uint32_t const uUnit = (u & 0x0F) << 12 | (u >> 2 & 0xFC0) | (u >> 16 & 0x3F);
+            fPlain = uUnit >= 0x800 && (uUnit & 0xF800) != 0xD800 && uUnit != cNeverPlain;
+            if (!fPlain) break;
+            *pOut++ = static_cast<wchar_t>(uUnit);
+            p += 3;
+        } else {
+            std::uint32_t const uUnit = (u & 0x1F) << 6 | (u >> 8 & 0x3F);
+            fPlain = (u & 0xC0E0) == 0x80C0 && uUnit >= 0x80;
+            if (!fPlain) break;
+            *pOut++ = static_cast<wchar_t>(uUnit);
+            p += 2;
+        }
+    }
+    pFrom = p;
+    pTo = pOut;
+    return fPlain;
+}
+
+/// The same by a table.
+bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo, wchar_t const * pOutEnd,
+                    TStops tStops, TCodePageTable const & tTable) {
+    unsigned char const * p = pFrom;
+    wchar_t * pOut = pTo;
+    bool fPlain = true;
+    while (p != pEnd && pOut != pOutEnd && *p >= 0x80) {
+        unsigned int uLength = 1;
+        wchar_t const c = tTable.cDecode(p, static_cast<std::size_t>(pEnd - p), uLength);
+        fPlain = !tStops.fIsStop(c);
+        if (!fPlain) break;
+        *pOut++ = c;
+        p += uLength;
+    }
+    pFrom = p;
+    pTo = pOut;
+    return fPlain;
+}
+
+/// Takes ASCII by pieces of 16, for encodings whose ASCII is ASCII and with ASCII stops, and leaves what stands between
+/// to `fTakeOthers`. Ends also when fewer than 16 bytes or less room are left.
+template <typename TTakeOthers>
+TRunEnd tAsciiRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
+                  TStops tStops, TTakeOthers fTakeOthers) {
     __m128i const tZero = _mm_setzero_si128();
     __m128i const tStop1 = _mm_set1_epi8(tStops.cGetAscii1());
     __m128i const tStop2 = _mm_set1_epi8(tStops.cGetAscii2());
-    while (t.uLeft() >= 16 && t.uRoom() >= 16) {
-        __m128i const tBytes = _mm_loadu_si128(reinterpret_cast<__m128i const *>(t.p));
-        __m128i const tCare = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(tBytes, tStop1), _mm_cmpeq_epi8(tBytes, tStop2)),
-                                           _mm_or_si128(_mm_cmpeq_epi8(tBytes, tZero), tBytes));
+    while (pEnd - p >= 16 && pOutEnd - pOut >= 16) {
+        __m128i const tBytes = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+        __m128i const tStopHere = _mm_or_si128(_mm_cmpeq_epi8(tBytes, tStop1), _mm_cmpeq_epi8(tBytes, tStop2));
+        __m128i const tCare = _mm_or_si128(_mm_or_si128(tStopHere, _mm_cmpeq_epi8(tBytes, tZero)), tBytes);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_unpacklo_epi8(tBytes, tZero));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + 8), _mm_unpackhi_epi8(tBytes, tZero));
+        // The top bit of a byte tells that it is a stop, a zero or above ASCII.
         auto const uCare = static_cast<unsigned int>(_mm_movemask_epi8(tCare));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(t.pOut), _mm_unpacklo_epi8(tBytes, tZero));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(t.pOut + 8), _mm_unpackhi_epi8(tBytes, tZero));
-        int const iPlain = uCare == 0 ? 16 : std::countr_zero(uCare);
-        t.p += iPlain;
-        t.pOut += iPlain;
-        if (iPlain != 16) return;
+        std::ptrdiff_t const iPlain = std::countr_zero(uCare | 1u << 16);
+        p += iPlain;
+        pOut += iPlain;
+        if (iPlain == 16) continue;
+        if (*p < 0x80 || !fTakeOthers(p, pOut)) break;
     }
+    return {p, pOut};
 }
 
-[[nodiscard]] bool fIsContinuation(unsigned char u) noexcept {
-    return (u & 0xC0) == 0x80;
+TRunEnd tTableRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
+                  TStops tStops, TCodePageTable const & tTable) {
+    if (tTable.fIsAscii() && tStops.fAreAscii()) {
+        TRunEnd const t = tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, [&](unsigned char const *& pAt, wchar_t *& pTo) {
+            return fTakeMultiByte(pAt, pEnd, pTo, pOutEnd, tStops, tTable);
+        });
+        p = t.p;
+        pOut = t.pOut;
+    }
+    return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops,
+                         [&tTable](unsigned char const * pBytes, std::size_t uLeft, unsigned int & uLength) {
+                             return tTable.cDecode(pBytes, uLeft, uLength);
+                         });
 }
 
-/// Decodes one well-formed character of two or three bytes; 0 when it is none. Four bytes are two units: not for here.
-[[nodiscard]] wchar_t cDecodeUtf8(unsigned char const * p, std::size_t uLeft, unsigned int & uLength) noexcept {
-    unsigned char const u0 = p[0];
-    if (u0 >= 0xE0 && u0 <= 0xEF) {
-        if (uLeft < 3 || !fIsContinuation(p[1]) || !fIsContinuation(p[2])) return 0;
-        unsigned int const uUnit = (u0 & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu);
-        if (uUnit < 0x800 || (uUnit >= 0xD800 && uUnit <= 0xDFFF)) return 0;
-        uLength = 3;
-        return static_cast<wchar_t>(uUnit);
+TRunEnd tUtf8Run(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
+                 TStops tStops) {
+    if (tStops.fAreAscii()) {
+        TRunEnd const t = tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, [&](unsigned char const *& pAt, wchar_t *& pTo) {
+            return fTakeMultiByte(pAt, pEnd, pTo, pOutEnd);
+        });
+        p = t.p;
+        pOut = t.pOut;
     }
-    if (u0 >= 0xC2 && u0 <= 0xDF) {
-        if (uLeft < 2 || !fIsContinuation(p[1])) return 0;
-        uLength = 2;
-        return static_cast<wchar_t>((u0 & 0x1Fu) << 6 | (p[1] & 0x3Fu));
-    }
-    return 0;
+    return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8); // the last bytes, the last room, or a stop
 }
 
-void Utf8Run(TRunState & t, TStops const & tStops) noexcept {
-    while (!t.fDone()) {
-        AsciiRun(t, tStops);
-        // Then one by one, so many that a new look by sixteen is worth it.
-        for (int i = 0; i < 16 && !t.fDone(); ++i) {
-            unsigned int uLength = 1;
-            wchar_t const c = *t.p < 0x80 ? *t.p : cDecodeUtf8(t.p, t.uLeft(), uLength);
-            if (tStops.fIsStop(c)) return;
-            *t.pOut++ = c;
-            t.p += uLength;
-        }
-    }
-}
-
-void Utf16Run(TRunState & t, TStops const & tStops, bool fHighFirst) noexcept {
+TRunEnd tUtf16Run(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
+                  TStops tStops, bool fHighFirst) {
     std::size_t const uLow = fHighFirst ? 1 : 0;
-    while (t.uLeft() >= 2 && t.pOut != t.pOutEnd) {
-        auto const c = static_cast<wchar_t>(t.p[uLow] | t.p[1 - uLow] << 8);
-        if (tStops.fIsStop(c)) return;
-        *t.pOut++ = c;
-        t.p += 2;
+    for (; pEnd - p >= 2 && pOut != pOutEnd; p += 2) {
+        auto const c = static_cast<wchar_t>(p[uLow] | p[1 - uLow] << 8);
+        if (tStops.fIsStop(c)) break;
+        *pOut++ = c;
     }
+    return {p, pOut};
 }
 
-void TableRun(TRunState & t, TStops const & tStops, TCodePageTable const & tTable) {
-    while (!t.fDone()) {
-        if (tTable.fIsAscii()) AsciiRun(t, tStops);
-        for (int i = 0; i < 16 && !t.fDone(); ++i) {
-            unsigned int uLength = 1;
-            wchar_t const c = tTable.cDecode(t.p, t.uLeft(), uLength);
-            if (tStops.fIsStop(c)) return;
-            *t.pOut++ = c;
-            t.p += uLength;
-        }
+TRunEnd tRunTo(unsigned short uCodePage, unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut,
+               wchar_t const * pOutEnd, TStops tStops) {
+    switch (uCodePage) {
+    case 1200:
+        return tUtf16Run(p, pEnd, pOut, pOutEnd, tStops, false);
+    case 1201:
+        return tUtf16Run(p, pEnd, pOut, pOutEnd, tStops, true);
+    case CP_UTF8:
+        return tUtf8Run(p, pEnd, pOut, pOutEnd, tStops);
+    default:
+        return tTableRun(p, pEnd, pOut, pOutEnd, tStops, TCodePageTable::tGet(uCodePage));
     }
 }
 
@@ -128,21 +207,7 @@ void TableRun(TRunState & t, TStops const & tStops, TCodePageTable const & tTabl
 
 TTextRun tDecodeRun(unsigned short uCodePage, unsigned char const * pBytes, unsigned long dwBytes, wchar_t * pTarget,
                     unsigned long dwRoom, wchar_t cStop1, wchar_t cStop2) {
-    TRunState t{pBytes, pBytes + dwBytes, pTarget, pTarget + dwRoom};
-    TStops const tStops(cStop1, cStop2);
-    switch (uCodePage) {
-    case 1200:
-        Utf16Run(t, tStops, false);
-        break;
-    case 1201:
-        Utf16Run(t, tStops, true);
-        break;
-    case CP_UTF8:
-        Utf8Run(t, tStops);
-        break;
-    default:
-        TableRun(t, tStops, TCodePageTable::tGet(uCodePage));
-    }
+    TRunEnd const t = tRunTo(uCodePage, pBytes, pBytes + dwBytes, pTarget, pTarget + dwRoom, TStops(cStop1, cStop2));
     return {static_cast<unsigned long>(t.p - pBytes), static_cast<unsigned long>(t.pOut - pTarget)};
 }
 
@@ -154,6 +219,24 @@ unsigned int uGetUtf8Length(unsigned char uFirst) noexcept {
     if (uFirst <= 0xEF) return 3;
     if (uFirst <= 0xF7) return 4;
     return uFirst <= 0xFB ? 5 : 6;
+}
+
+std::size_t uGetTextLength(wchar_t const * pzText) noexcept {
+    // By pieces of 16 bytes that lie in one page, so that what is behind the terminator can be looked at.
+    constexpr std::uintptr_t uPage = 4096;
+    __m128i const tZero = _mm_setzero_si128();
+    for (wchar_t const * p = pzText;;) {
+        if (reinterpret_cast<std::uintptr_t>(p) % uPage > uPage - 16) {
+            if (*p == 0) return static_cast<std::size_t>(p - pzText);
+            ++p;
+            continue;
+        }
+        __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+        auto const uZeros = static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(tUnits, tZero)));
+        if (uZeros != 0)
+            return static_cast<std::size_t>(p - pzText) + static_cast<unsigned>(std::countr_zero(uZeros)) / 2;
+        p += 8;
+    }
 }
 
 int iGetUtf8Size(wchar_t const * pText, int iCount) noexcept {
@@ -171,20 +254,23 @@ int iEncodeUtf8(wchar_t const * pText, int iCount, char * pTarget) noexcept {
     wchar_t const * p = pText;
     wchar_t const * const pEnd = pText + iCount;
     char * pOut = pTarget;
+    __m128i const tZero = _mm_setzero_si128();
     __m128i const tAboveAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
     while (p != pEnd) {
-        // ASCII by sixteen: there is room for at least a byte for each unit left, so the whole store fits.
-        while (pEnd - p >= 16) {
-            __m128i const tLow = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-            __m128i const tHigh = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 8));
-            __m128i const tCare = _mm_and_si128(_mm_or_si128(tLow, tHigh), tAboveAscii);
-            if (_mm_movemask_epi8(_mm_cmpeq_epi16(tCare, _mm_setzero_si128())) != 0xFFFF) break;
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tLow, tHigh));
-            p += 16;
-            pOut += 16;
+        // ASCII by pieces of eight: there is room for a byte for each unit left, so the whole store fits.
+        while (pEnd - p >= 8) {
+            __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tUnits, tUnits));
+            auto const uAscii = static_cast<unsigned int>(
+                _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(tUnits, tAboveAscii), tZero)));
+            int const iPlain = uAscii == 0xFFFF ? 8 : std::countr_one(uAscii) / 2;
+            p += iPlain;
+            pOut += iPlain;
+            if (iPlain != 8) break;
         }
-        for (int i = 0; i < 16 && p != pEnd; ++i) {
-            unsigned int const c = *p++;
+        // What stands between them, or behind the last one, one by one.
+        for (; p != pEnd && (*p >= 0x80 || pEnd - p < 8); ++p) {
+            unsigned int const c = *p;
             if (c < 0x80) {
                 *pOut++ = static_cast<char>(c);
             } else if (c < 0x800) {
@@ -192,9 +278,9 @@ int iEncodeUtf8(wchar_t const * pText, int iCount, char * pTarget) noexcept {
                 *pOut++ = static_cast<char>(0x80 | (c & 0x3F));
             } else {
                 if ((c & 0xF800) == 0xD800) return -1;
-                *pOut++ = static_cast<char>(0xE0 | c >> 12);
-                *pOut++ = static_cast<char>(0x80 | (c >> 6 & 0x3F));
-                *pOut++ = static_cast<char>(0x80 | (c & 0x3F));
+                std::uint32_t const uBytes = 0x8080E0 | c >> 12 | (c << 2 & 0x3F00) | (c & 0x3F) << 16;
+                std::memcpy(pOut, &uBytes, sizeof uBytes); // one byte more than it takes
+                pOut += 3;
             }
         }
     }

@@ -3,6 +3,8 @@
 // time, which is the reference: a run gives exactly what that gives.
 #pragma once
 
+#include <cstddef>
+
 struct TTextRun {
     unsigned long dwBytes; ///< bytes decoded
     unsigned long dwUnits; ///< units that they gave
@@ -16,9 +18,12 @@ struct TTextRun {
 /// The bytes of a character under 65001, as its first byte tells: 0 for a zero.
 [[nodiscard]] unsigned int uGetUtf8Length(unsigned char uFirst) noexcept;
 
+/// The units in front of the terminator.
+[[nodiscard]] std::size_t uGetTextLength(wchar_t const * pzText) noexcept;
+
 /// The bytes that the text takes in UTF-8, or -1 when it holds a surrogate half or is too long for an `int`.
 [[nodiscard]] int iGetUtf8Size(wchar_t const * pText, int iCount) noexcept;
 
-/// Encodes text without surrogate halves; `pTarget` has room for three bytes a unit, or for what `iGetUtf8Size` tells.
-/// Returns the bytes written, or -1 at a surrogate half.
+/// Encodes text without surrogate halves; `pTarget` has room for three bytes a unit, or for what `iGetUtf8Size` tells,
+/// and for one byte more. Returns the bytes written, or -1 at a surrogate half.
 [[nodiscard]] int iEncodeUtf8(wchar_t const * pText, int iCount, char * pTarget) noexcept;

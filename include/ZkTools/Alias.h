@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+class TIStream;
 class TStreamBase;
 
 /// Tag, version and variant of an object.
@@ -95,6 +96,11 @@ public:
     void ReadPure(TStreamBase & tStream);
     /// Writes the three counted strings alone.
     void WritePure(TStreamBase & tStream) const;
+
+    /// Reads the three strings of `Write(TIStream &)` and trims them.
+    void Read(TIStream & tStream);
+    /// Writes the three strings, each by `TIStream::WriteString`: up to 16382 units.
+    void Write(TIStream & tStream) const;
 
     /// True when tag, version and variant have at most 20, 6 and 6 characters, the room of the old record. Characters
     /// that take more than one byte there are not reckoned with.

@@ -110,6 +110,8 @@ private:
     void ReadDataInternal(void * pTarget, unsigned long dwCount);
     void WriteDataInternal(void const * pSource, unsigned long dwCount);
     void NeedBlock();
+    bool fPassByte(wchar_t c);
+    void CollectToDelim(TTextCollector & tText, wchar_t cDelim, wchar_t cEscape, bool fKeepDelim);
     void MoveTo(__int64 iTarget);
 };
 

@@ -9,6 +9,7 @@
 #include <string>
 
 class TOTextStream;
+class TTextCollector; // internal
 
 /// A seek distance: a `long` and nothing else converts to it, so that no count of another width is cut unseen. Write
 /// `0L`, not `0`.
@@ -273,11 +274,10 @@ protected:
     unsigned int PeekCharInternal(wchar_t & c, bool fAllowNull);
     unsigned int PeekUnicodeCharInternal(wchar_t & c, bool fAllowNull);
     unsigned int PeekMultiByteCharInternal(wchar_t & c, bool fAllowNull);
-    /// Decodes from the block into `pTarget`, which it may use up to `dwRoom`, what needs no care: no zero, no 0xFFFF,
-    /// neither of the two stops, nothing that fails, and no more than `dwMostBytes` bytes, of which it subtracts what
-    /// it took. Returns how many units came, 0 when the next character needs care.
-    unsigned long dwReadRun(wchar_t * pTarget, unsigned long dwRoom, unsigned long & dwMostBytes, wchar_t cStop1,
-                            wchar_t cStop2);
+    /// Takes characters that need no care into `tText`, as many as have room there and no more than `dwMostBytes`
+    /// bytes: no zero, no 0xFFFF, neither of the two stops (0 for none), nothing that fails. Not to be called at the
+    /// end. Returns the bytes taken, 0 when the next character needs care.
+    unsigned long dwCollectRun(TTextCollector & tText, unsigned long dwMostBytes, wchar_t cStop1, wchar_t cStop2);
 
     std::unique_ptr<TBlob> pBlob;
     std::unique_ptr<char[]> pConvertBuffer;
@@ -291,6 +291,9 @@ private:
     [[noreturn]] void ThrowEncodeFailure() const;
     int iGetEncodedSize(wchar_t const * pText, int iCount) const;
     int iEncode(wchar_t const * pText, int iCount);
+    int iEncodeAsUtf8(wchar_t const * pText, std::size_t uUnits);
+    unsigned long dwReadRun(wchar_t * pTarget, unsigned long dwRoom, unsigned long & dwMostBytes, wchar_t cStop1,
+                            wchar_t cStop2);
     void AdvanceBlock(unsigned long dwCount);
     unsigned long dwGetPrefixSize(std::wstring const & sText) const;
 };

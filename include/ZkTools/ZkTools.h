@@ -3,6 +3,7 @@
 
 #include "ZkTools/Alias.h"
 #include "ZkTools/BigNumber.h"
+#include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Containers.h"
 #include "ZkTools/DateTime.h"
 #include "ZkTools/DecimalValue.h"

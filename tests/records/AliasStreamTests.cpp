@@ -1,15 +1,18 @@
 #include "ZkTools/Alias.h"
 #include "ZkTools/Exceptions.h"
+#include "ZkTools/FileStream.h"
 #include "ZkTools/MessageIds.h"
 #include "ZkTools/Stream.h"
 
 #include "ZkBase/Windows.h"
+#include "tests/support/TempDirectory.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 using namespace std::string_literals;
 
@@ -228,6 +231,33 @@ TEST(TAliasOldRecord, WritesWhatTheCodePageLacksAsItsDefaultCharacter) {
     EXPECT_EQ(sGetBytes(tStream), sOldRecord("?", "", ""));
 }
 
+TEST(TAliasOldRecord, IsWrittenInOnePieceAndReadFieldByField) {
+    struct TPieces : TStreamBase {
+        using TStreamBase::TStreamBase;
+        void WriteData(void const * pSource, unsigned long dwCount) override {
+            dwPieces.push_back(dwCount);
+            TStreamBase::WriteData(pSource, dwCount);
+        }
+        void ReadData(void * pTarget, unsigned long dwCount) override {
+            dwPieces.push_back(dwCount);
+            TStreamBase::ReadData(pTarget, dwCount);
+        }
+        std::vector<unsigned long> dwPieces;
+    };
+    TPieces tStream(ecpWestern);
+    TAlias tAlias(L"Old", L"1", L"v");
+    tAlias.WriteTagRecCompatible(tStream);
+    EXPECT_EQ(tStream.dwPieces, std::vector<unsigned long>{35});
+    tStream.dwPieces.clear();
+    tStream.SetPos(0);
+    tAlias.ReadTagRecCompatible(tStream);
+    EXPECT_EQ(tStream.dwPieces, (std::vector<unsigned long>{21, 7, 7}));
+    tStream.dwPieces.clear();
+    tStream.SetPos(0);
+    tAlias.Read(tStream);
+    EXPECT_EQ(tStream.dwPieces, (std::vector<unsigned long>{1, 20, 7, 7}));
+}
+
 TEST(TAliasOldRecord, ReadsFixedFieldsWhateverTheFirstByte) {
     std::string sRecord = sOldRecord();
     sRecord[0] = '\x01';
@@ -298,4 +328,46 @@ TEST(TAliasDamage, EveryByteFlippedEveryWayIsAFailureOrAValue) {
     }
     EXPECT_GT(iFailures, 1000);
     EXPECT_GT(iValues, 1000);
+}
+
+// A file stream ends quietly: what is missing reads as nothing.
+
+TEST(TAliasFile, ComesBackFromAFile) {
+    zk_test::TTempDirectory const tDirectory;
+    std::wstring const sPath = tDirectory.sGetPath(L"main.dat");
+    TAlias const tAlias(L"Tag \u00E4", L"12", L"abc");
+    {
+        TFStream tFile(sPath, ecpUtf8, FS_CREATE | FS_BINARY);
+        tFile << tAlias;
+        tFile.Close();
+    }
+    EXPECT_EQ(zk_test::sReadFileBytes(sPath), "\x01\x07\0Tag \xC3\xA4\0\x03\0"s + "12\0\x04\0abc\0"s);
+    TFStream tFile(sPath, ecpUtf8, FS_BINARY);
+    TAlias tRead;
+    tFile >> tRead;
+    EXPECT_TRUE(tRead == tAlias);
+}
+
+TEST(TAliasFile, CutAnywhereIsAFailureOrAValue) {
+    zk_test::TTempDirectory const tDirectory;
+    for (std::string const & sWhole : {sCurrentForm(), sOldRecord()}) {
+        for (std::size_t uLength = 0; uLength < sWhole.size(); ++uLength) {
+            std::wstring const sPath = tDirectory.sWrite(L"cut", sWhole.substr(0, uLength));
+            TFStream tFile(sPath, ecpWestern, FS_BINARY);
+            TAlias tAlias(L"x", L"y", L"z");
+            try {
+                tAlias.Read(tFile);
+                // Nothing is made up: what was read is the beginning of what was written.
+                TAlias tComplete;
+                TBytes tStream(sWhole);
+                tComplete.Read(tStream);
+                EXPECT_TRUE(tComplete.sGetTag().starts_with(tAlias.sGetTag()));
+                EXPECT_TRUE(tComplete.sGetVersion().starts_with(tAlias.sGetVersion()));
+                EXPECT_TRUE(tComplete.sGetVariant().starts_with(tAlias.sGetVariant()));
+            } catch (TXZkTools const & tError) {
+                EXPECT_EQ(tError.iGetNumber(), IDS_READ_PAST_END);
+                ExpectAlias(tAlias, L"x", L"y", L"z");
+            }
+        }
+    }
 }

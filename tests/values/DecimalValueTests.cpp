@@ -420,8 +420,9 @@ TEST(TDecimalValue, RangesAgreeWithNumbers) {
             bool const fNegative = tRandom() % 2 == 0;
             bool const fFraction = tRandom() % 8 == 0;
             wstring sText(fNegative ? L"-" : L"");
-            sText.append(tRandom() % 3, L'0').append(std::to_wstring(uSize));
-            if (tRandom() % 2 == 0 || fFraction) sText.append(L".").append(tRandom() % 3, L'0');
+            auto const sZeros = [&] { return wstring(static_cast<std::size_t>(tRandom() % 3), L'0'); };
+            sText.append(sZeros()).append(std::to_wstring(uSize));
+            if (tRandom() % 2 == 0 || fFraction) sText.append(L".").append(sZeros());
             if (fFraction) sText += L'5';
 
             std::optional<TDecimalValue> const ptValue = ptTry(tType.pMake, sText);
@@ -467,29 +468,35 @@ TEST(TDecimalValue, OrderIsThatOfTheParts) {
     }
 }
 
+namespace {
+
+/// Works on values of a million digits; 1 when all went well.
+DWORD WINAPI dwUseAMillionDigits(void *) {
+    wstring const sOnes(1'000'000, L'1');
+    wstring const sZeros(1'000'000, L'0');
+    TDecimalValue const tLong = TDecimalValue::make_decimal(L"-" + sZeros + sOnes + L"." + sOnes + sZeros);
+    bool fGood = tLong == TDecimalValue::make(true, sOnes, sOnes);
+    fGood = fGood && tLong.iGetTotalDigits() == 2'000'000 && tLong.iGetFractionDigits() == 1'000'000;
+    fGood = fGood && TDecimalValue::make_integer(sOnes + L"." + sZeros) == TDecimalValue::make(false, sOnes, L"");
+    fGood = fGood && TDecimalValue::make_decimal(L"." + sOnes) == TDecimalValue::make(false, L"", L"1");
+    fGood = fGood && TDecimalValue::make_unsignedByte(sZeros) == TDecimalValue::make(false, L"0", L"");
+    wstring sLarger = sOnes;
+    sLarger.back() = L'2';
+    fGood = fGood && TDecimalValue::make_integer(sOnes) < TDecimalValue::make_integer(sLarger);
+    try {
+        static_cast<void>(TDecimalValue::make_decimal(sOnes + L"x"));
+        fGood = false;
+    } catch (TDecimalValue::TXInvalid const & tError) {
+        fGood = fGood && std::string_view(tError.what()).size() > 1'000'000;
+    }
+    return fGood ? 1 : 0;
+}
+
+} // namespace
+
 TEST(TDecimalValue, AMillionDigitsNeedNoStack) {
-    auto const dwRun = [](void *) -> DWORD {
-        wstring const sOnes(1'000'000, L'1');
-        wstring const sZeros(1'000'000, L'0');
-        TDecimalValue const tLong = TDecimalValue::make_decimal(L"-" + sZeros + sOnes + L"." + sOnes + sZeros);
-        bool fGood = tLong == TDecimalValue::make(true, sOnes, sOnes);
-        fGood = fGood && tLong.iGetTotalDigits() == 2'000'000 && tLong.iGetFractionDigits() == 1'000'000;
-        fGood = fGood && TDecimalValue::make_integer(sOnes + L"." + sZeros) == TDecimalValue::make(false, sOnes, L"");
-        fGood = fGood && TDecimalValue::make_decimal(L"." + sOnes) == TDecimalValue::make(false, L"", L"1");
-        fGood = fGood && TDecimalValue::make_unsignedByte(sZeros) == TDecimalValue::make(false, L"0", L"");
-        wstring sLarger = sOnes;
-        sLarger.back() = L'2';
-        fGood = fGood && TDecimalValue::make_integer(sOnes) < TDecimalValue::make_integer(sLarger);
-        try {
-            static_cast<void>(TDecimalValue::make_decimal(sOnes + L"x"));
-            fGood = false;
-        } catch (TDecimalValue::TXInvalid const & tError) {
-            fGood = fGood && std::string_view(tError.what()).size() > 1'000'000;
-        }
-        return fGood ? 1 : 0;
-    };
     zk_test::THandle const hThread(
-        CreateThread(nullptr, 128 * 1024, dwRun, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
+        CreateThread(nullptr, 128 * 1024, &dwUseAMillionDigits, nullptr, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
     ASSERT_TRUE(hThread);
     ASSERT_EQ(WaitForSingleObject(hThread.hGet(), 60'000), WAIT_OBJECT_0);
     DWORD dwExit = 0;
