@@ -8,7 +8,6 @@
 #include <limits>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 namespace {
 
@@ -21,9 +20,11 @@ struct TParts {
 
 /// Cuts the digits off the front of the text and gives them.
 std::wstring_view sTakeDigits(std::wstring_view & sText) noexcept {
-    auto const pEnd = std::find_if(sText.begin(), sText.end(), [](wchar_t c) { return c < L'0' || c > L'9'; });
-    std::wstring_view const sDigits = sText.substr(0, static_cast<std::size_t>(pEnd - sText.begin()));
-    sText.remove_prefix(sDigits.size());
+    std::size_t uCount = 0;
+    while (uCount < sText.size() && sText[uCount] >= L'0' && sText[uCount] <= L'9')
+        ++uCount;
+    std::wstring_view const sDigits = sText.substr(0, uCount);
+    sText.remove_prefix(uCount);
     return sDigits;
 }
 
@@ -88,8 +89,8 @@ TDecimalValue::TXInvalid::~TXInvalid() = default;
 TDecimalValue::TXInvalid & TDecimalValue::TXInvalid::operator=(TXInvalid const &) = default;
 TDecimalValue::TXInvalid & TDecimalValue::TXInvalid::operator=(TXInvalid &&) = default;
 
-TDecimalValue::TDecimalValue(bool fNegative_, std::wstring sIntegerDigits_, std::wstring sFractionDigits_) noexcept
-    : fNegative(fNegative_), sIntegerDigits(std::move(sIntegerDigits_)), sFractionDigits(std::move(sFractionDigits_)) {}
+TDecimalValue::TDecimalValue(bool fNegative_, std::wstring_view sIntegerDigits_, std::wstring_view sFractionDigits_)
+    : fNegative(fNegative_), sIntegerDigits(sIntegerDigits_), sFractionDigits(sFractionDigits_) {}
 
 TDecimalValue TDecimalValue::make(bool fNegative, std::wstring const & sIntegerDigits,
                                   std::wstring const & sFractionDigits) {
@@ -179,8 +180,8 @@ TDecimalValue TDecimalValue::make_decimal(std::wstring const & sValue, wchar_t c
     std::optional<TParts> const ptParts = ptParse(sValue);
     if (!ptParts) throw TXInvalid(sValue, pzTypeName);
 
-    TDecimalValue tResult(ptParts->fNegative, std::wstring(sStripLeadingZeros(ptParts->sIntegerDigits)),
-                          std::wstring(sStripTrailingZeros(ptParts->sFractionDigits)));
+    TDecimalValue tResult(ptParts->fNegative, sStripLeadingZeros(ptParts->sIntegerDigits),
+                          sStripTrailingZeros(ptParts->sFractionDigits));
     bool const fTooLong = pMaxFractionDigits != nullptr && tResult.sFractionDigits.size() > *pMaxFractionDigits;
     bool const fTooSmall = pMin != nullptr && tResult < *pMin;
     bool const fTooGreat = pMax != nullptr && tResult > *pMax;

@@ -5,6 +5,7 @@
 #include "ZkTools/Export.h"
 
 #include <string>
+#include <string_view>
 
 /// One decimal number: a sign, the digits before the point and the digits behind it. There is no arithmetic.
 ///
@@ -91,7 +92,7 @@ public:
     [[nodiscard]] int iGetFractionDigits() const noexcept;
 
 private:
-    TDecimalValue(bool fNegative, std::wstring sIntegerDigits, std::wstring sFractionDigits) noexcept;
+    TDecimalValue(bool fNegative, std::wstring_view sIntegerDigits, std::wstring_view sFractionDigits);
 
     /// Checks and makes a value of the type; each of the three limits may be null.
     static TDecimalValue make_decimal(std::wstring const & sValue, wchar_t const * pzTypeName,
