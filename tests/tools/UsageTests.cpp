@@ -9,7 +9,8 @@ TEST(Tool, HelpListsEveryCommand) {
     EXPECT_EQ(tRun.dwExit, 0u);
     EXPECT_EQ(tRun.sErrors, "");
     EXPECT_TRUE(tRun.sOutput.starts_with("usage: zk COMMAND ARGUMENT...\r\n\r\n  store"));
-    for (char const * pzCommand : {"\r\n  store ", "\r\n  show ", "\r\n  hold ", "\r\n  who "})
+    for (char const * pzCommand :
+         {"\r\n  store ", "\r\n  show ", "\r\n  hold ", "\r\n  who ", "\r\n  alias ", "\r\n  decimal "})
         EXPECT_NE(tRun.sOutput.find(pzCommand), std::string::npos) << pzCommand;
     EXPECT_TRUE(tRun.sOutput.ends_with("zk COMMAND --help tells more of a command.\r\n"
                                        "Exit codes: 0 done, 1 refused or failed, 2 wrong usage.\r\n"));
@@ -23,7 +24,9 @@ TEST(Tool, EveryCommandHasItsHelp) {
     for (TCase const & tCase : {TCase{L"store", "usage: zk store DIR OBJECT TAG [VERSION [VARIANT]]\r\n\r\nWrites"},
                                 TCase{L"show", "usage: zk show DIR OBJECT\r\n\r\nPrints"},
                                 TCase{L"hold", "usage: zk hold DIR OBJECT --read|--write [--seconds N]\r\n\r\nKeeps"},
-                                TCase{L"who", "usage: zk who DIR OBJECT\r\n\r\nTells"}}) {
+                                TCase{L"who", "usage: zk who DIR OBJECT\r\n\r\nTells"},
+                                TCase{L"alias", "usage: zk alias parse|file-name|compare TEXT"},
+                                TCase{L"decimal", "usage: zk decimal TYPE VALUE [OTHER]\r\n\r\nChecks"}}) {
         TToolRun const tRun = tRunTool({tCase.pzCommand, L"any", L"--help", L"--unknown"});
         EXPECT_EQ(tRun.dwExit, 0u);
         EXPECT_TRUE(tRun.sOutput.starts_with(tCase.sUsage)) << tRun.sOutput;

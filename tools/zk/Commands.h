@@ -9,10 +9,9 @@ extern TCommand const tStoreCommand;
 extern TCommand const tShowCommand;
 extern TCommand const tHoldCommand;
 extern TCommand const tWhoCommand;
+extern TCommand const tAliasCommand;
+extern TCommand const tDecimalCommand;
 
 inline constexpr std::array pCommands{
-    &tStoreCommand,
-    &tShowCommand,
-    &tHoldCommand,
-    &tWhoCommand,
+    &tStoreCommand, &tShowCommand, &tHoldCommand, &tWhoCommand, &tAliasCommand, &tDecimalCommand,
 };

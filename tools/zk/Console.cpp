@@ -73,3 +73,7 @@ std::wstring sWiden(std::string_view sText) {
     MultiByteToWideChar(CP_THREAD_ACP, 0, sText.data(), iBytes, sWide.data(), iUnits);
     return sWide;
 }
+
+std::wstring sDescribeOrder(int iOrder) {
+    return iOrder < 0 ? L"less" : iOrder > 0 ? L"greater" : L"equal";
+}

@@ -14,3 +14,6 @@ void PrintError(std::wstring_view sText) noexcept;
 
 /// The text of an exception, which stands in the thread's ANSI code page, as wide text.
 [[nodiscard]] std::wstring sWiden(std::string_view sText);
+
+/// A comparison in words: "less", "equal" or "greater".
+[[nodiscard]] std::wstring sDescribeOrder(int iOrder);

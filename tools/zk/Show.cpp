@@ -1,20 +1,14 @@
 // zk show: reads an alias back.
+#include "tools/zk/AliasText.h"
 #include "tools/zk/Commands.h"
 #include "tools/zk/Console.h"
 #include "tools/zk/ObjectLock.h"
 
-#include "ZkTools/Alias.h"
 #include "ZkTools/FileStream.h"
 
 #include <algorithm>
 
 namespace {
-
-std::wstring sLine(std::wstring_view sName, std::wstring const & sValue) {
-    std::wstring sText(sName);
-    if (!sValue.empty()) sText.append(L" ").append(sValue);
-    return sText += L"\n";
-}
 
 /// Reads the alias of a file. From memory, because a file stream that ends too early gives empty texts without a word.
 TAlias tReadAlias(wchar_t const * pzPath) {
@@ -41,8 +35,7 @@ EExit eShow(TArguments const & tArguments) {
     tLock.Open();
     TAlias const tAlias = tReadAlias(tLock.sGetObjectPath().c_str());
     tLock.Close();
-    PrintLine(sLine(L"tag:", tAlias.sGetTag()) + sLine(L"version:", tAlias.sGetVersion()) +
-              sLine(L"variant:", tAlias.sGetVariant()));
+    PrintLine(sDescribe(tAlias));
     return eDone;
 }
 
