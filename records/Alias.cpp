@@ -72,6 +72,10 @@ void TAlias::Set(TAlias const & tOther) {
     Set(tOther.sTag, tOther.sVersion, tOther.sVariant);
 }
 
+void TAlias::Set(TOldTagRec const & tRecord) {
+    Set(tRecord.sGetTag(), tRecord.sGetVersion(), tRecord.sGetVariant());
+}
+
 void TAlias::Set(wchar_t const * pzAlias, wchar_t const * pzSeparator) {
     Reset();
     if (pzAlias == nullptr) return;

@@ -5,7 +5,6 @@
 #include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/Stream.h"
-#include "records/OldTagRecord.h"
 
 #include <utility>
 
@@ -25,17 +24,6 @@ std::wstring sReadString(TIStream & tStream) {
     return string_functions::sStrip(sText, string_functions::esBoth, L" ");
 }
 
-/// Reads the fields, of which `uHave` bytes of the first are there already.
-void ReadFields(TStreamBase & tStream, TOldTagRecord & tRecord, std::size_t uHave) {
-    tStream.ReadData(tRecord.acTag.data() + uHave, static_cast<unsigned long>(tRecord.acTag.size() - uHave));
-    tStream.ReadData(tRecord.acVersion.data(), static_cast<unsigned long>(tRecord.acVersion.size()));
-    tStream.ReadData(tRecord.acVariant.data(), static_cast<unsigned long>(tRecord.acVariant.size()));
-}
-
-void SetFromRecord(TAlias & tAlias, TOldTagRecord const & tRecord) {
-    tAlias.Set(sGetOldTagField(tRecord.acTag), sGetOldTagField(tRecord.acVersion), sGetOldTagField(tRecord.acVariant));
-}
-
 } // namespace
 
 std::wstring TAlias::sGetFileName(wchar_t const * pzSeparator) const {
@@ -49,10 +37,10 @@ void TAlias::Read(TStreamBase & tStream) {
     char cFirst = 0;
     tStream.Read(cFirst);
     if (cFirst == cCurrentFormMark) return ReadPure(tStream);
-    TOldTagRecord tRecord;
+    TOldTagRec tRecord;
     tRecord.acTag[0] = cFirst;
-    ReadFields(tStream, tRecord, 1);
-    SetFromRecord(*this, tRecord);
+    tRecord.ReadBehind(tStream, 1);
+    Set(tRecord);
 }
 
 void TAlias::Write(TStreamBase & tStream) const {
@@ -89,22 +77,19 @@ void TAlias::Write(TIStream & tStream) const {
 }
 
 bool TAlias::fIsTagRecCompatible() const noexcept {
-    return sTag.size() < std::tuple_size_v<decltype(TOldTagRecord::acTag)> &&
-           sVersion.size() < std::tuple_size_v<decltype(TOldTagRecord::acVersion)> &&
-           sVariant.size() < std::tuple_size_v<decltype(TOldTagRecord::acVariant)>;
+    return sTag.size() < std::tuple_size_v<decltype(TOldTagRec::acTag)> &&
+           sVersion.size() < std::tuple_size_v<decltype(TOldTagRec::acVersion)> &&
+           sVariant.size() < std::tuple_size_v<decltype(TOldTagRec::acVariant)>;
 }
 
 void TAlias::ReadTagRecCompatible(TStreamBase & tStream) {
-    TOldTagRecord tRecord;
-    ReadFields(tStream, tRecord, 0);
-    SetFromRecord(*this, tRecord);
+    TOldTagRec tRecord;
+    tRecord.Read(tStream);
+    Set(tRecord);
 }
 
 void TAlias::WriteTagRecCompatible(TStreamBase & tStream) const {
-    TOldTagRecord tRecord;
-    SetOldTagField(tRecord.acTag, sTag.c_str());
-    SetOldTagField(tRecord.acVersion, sVersion.c_str());
-    SetOldTagField(tRecord.acVariant, sVariant.c_str());
+    TOldTagRec const tRecord(sTag.c_str(), sVersion.c_str(), sVariant.c_str());
     tStream.WriteData(&tRecord, sizeof tRecord);
 }
 

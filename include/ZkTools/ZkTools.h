@@ -13,6 +13,7 @@
 #include "ZkTools/Library.h"
 #include "ZkTools/Locks.h"
 #include "ZkTools/MessageIds.h"
+#include "ZkTools/Option.h"
 #include "ZkTools/OptionTree.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/PointerQueue.h"
