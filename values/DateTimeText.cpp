@@ -4,7 +4,9 @@
 #include "ZkTools/Exceptions.h"
 #include "values/Calendar.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <climits>
 #include <cwchar>
 
@@ -45,9 +47,10 @@ WORD wReadField(TView sText) {
 
 /// Takes what stands in front of the first `cEnd` off the text, and that as well; all of it when there is none.
 TView sTakeField(TView & sText, wchar_t cEnd) noexcept {
-    std::size_t const uEnd = sText.find(cEnd);
-    TView const sField = sText.substr(0, uEnd);
-    sText = uEnd == TView::npos ? TView() : sText.substr(uEnd + 1);
+    // Not the string's own search: that is a call into the run-time, for two characters.
+    auto const itEnd = std::ranges::find(sText, cEnd);
+    TView const sField(sText.begin(), itEnd);
+    sText.remove_prefix(sField.size() + (itEnd != sText.end() ? 1 : 0));
     return sField;
 }
 
@@ -76,16 +79,35 @@ FILETIME tFileTime(unsigned __int64 uiTicks) noexcept {
     return {static_cast<DWORD>(uiTicks), static_cast<DWORD>(uiTicks >> 32)};
 }
 
-/// Writes the number with at least that many digits, and gives the place behind it.
-wchar_t * pWrite(wchar_t * pTarget, unsigned int uValue, int iDigits) noexcept {
-    std::array<wchar_t, 10> acDigits;
-    wchar_t * const pEnd = acDigits.data() + acDigits.size();
-    wchar_t * pFirst = pEnd;
-    for (; uValue != 0 || iDigits > 0; uValue /= 10, --iDigits)
-        *--pFirst = static_cast<wchar_t>(L'0' + uValue % 10);
-    while (pFirst != pEnd)
-        *pTarget++ = *pFirst++;
+/// Writes two digits of a number below 100, and gives the place behind them. So do the others.
+wchar_t * pWriteTwo(wchar_t * pTarget, unsigned int uValue) noexcept {
+    *pTarget++ = static_cast<wchar_t>(L'0' + uValue / 10);
+    *pTarget++ = static_cast<wchar_t>(L'0' + uValue % 10);
     return pTarget;
+}
+
+wchar_t * pWriteDate(wchar_t * pTarget, SYSTEMTIME const & tFields) noexcept {
+    if (tFields.wYear > 9999) *pTarget++ = static_cast<wchar_t>(L'0' + tFields.wYear / 10000);
+    pTarget = pWriteTwo(pTarget, tFields.wYear / 100u % 100);
+    pTarget = pWriteTwo(pTarget, tFields.wYear % 100u);
+    *pTarget++ = L'-';
+    pTarget = pWriteTwo(pTarget, tFields.wMonth);
+    *pTarget++ = L'-';
+    return pWriteTwo(pTarget, tFields.wDay);
+}
+
+wchar_t * pWriteTime(wchar_t * pTarget, SYSTEMTIME const & tFields) noexcept {
+    pTarget = pWriteTwo(pTarget, tFields.wHour);
+    *pTarget++ = L':';
+    pTarget = pWriteTwo(pTarget, tFields.wMinute);
+    *pTarget++ = L':';
+    return pWriteTwo(pTarget, tFields.wSecond);
+}
+
+wchar_t * pWriteNumber(wchar_t * pTarget, unsigned int uValue) noexcept {
+    std::array<char, 10> acDigits;
+    char const * const pEnd = std::to_chars(acDigits.data(), acDigits.data() + acDigits.size(), uValue).ptr;
+    return std::copy(static_cast<char const *>(acDigits.data()), pEnd, pTarget);
 }
 
 } // namespace
@@ -128,28 +150,19 @@ std::optional<TZkDateTime> TZkDateTime::create(std::pair<std::wstring_view, std:
 
 std::wstring TZkDateTime::sGetString(EDateTime eParts, bool fFraction) const {
     SYSTEMTIME const tFields = tGetSystemTime(uiTicks);
-    std::array<wchar_t, 32> acText; // "30828-09-14T02:48:05.9999999" is the longest
-    wchar_t * p = acText.data();
-    if ((eParts & edtDate) != 0) {
-        p = pWrite(p, tFields.wYear, 4);
-        *p++ = L'-';
-        p = pWrite(p, tFields.wMonth, 2);
-        *p++ = L'-';
-        p = pWrite(p, tFields.wDay, 2);
-    }
+    std::wstring sText(std::wstring_view(L"30828-09-14T02:48:05.9999999").size(), L'\0'); // the longest
+    wchar_t * p = sText.data();
+    if ((eParts & edtDate) != 0) p = pWriteDate(p, tFields);
     if ((eParts & edtDateTime) == edtDateTime) *p++ = L'T';
     if ((eParts & edtTime) != 0) {
-        p = pWrite(p, tFields.wHour, 2);
-        *p++ = L':';
-        p = pWrite(p, tFields.wMinute, 2);
-        *p++ = L':';
-        p = pWrite(p, tFields.wSecond, 2);
+        p = pWriteTime(p, tFields);
         if (auto const uTicks = static_cast<unsigned int>(uiTicks % uiTicksPerSecond); fFraction && uTicks != 0) {
             *p++ = L'.';
-            p = pWrite(p, uTicks, 1); // Deliberate: not padded, see above.
+            p = pWriteNumber(p, uTicks); // Deliberate: not padded, see puiRead.
         }
     }
-    return {acText.data(), p};
+    sText.resize(static_cast<std::size_t>(p - sText.data()));
+    return sText;
 }
 
 std::wstring sGetDate(tm const & tTime) {
