@@ -1,5 +1,6 @@
 #include "ZkTools/DateTime.h"
 
+#include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Stream.h"
 #include "values/Calendar.h"
 
@@ -104,6 +105,16 @@ void TStructTm::Read(TStreamBase & tStream) {
 void TStructTm::Write(TStreamBase & tStream) const {
     for (int tm::*const pField : apFields)
         tStream.Write(static_cast<short>(this->*pField));
+}
+
+void TStructTm::Read(TIStream & tStream) {
+    for (int tm::*const pField : apFields)
+        tStream.Read(&(this->*pField), sizeof(int));
+}
+
+void TStructTm::Write(TIStream & tStream) const {
+    for (int tm::*const pField : apFields)
+        tStream.Write(&(this->*pField), sizeof(int));
 }
 
 TZkDateTime::TZkDateTime(tm const & tTime) noexcept : TZkDateTime(tFields(tTime)) {}

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <utility>
 
+class TIStream;
 class TOptionElement;
 class TStreamBase;
 
@@ -84,6 +85,14 @@ struct ZKTOOLS_API TStructTm : tm {
     void Read(TStreamBase & tStream);
     /// Writes nine 16-bit integers, 18 bytes: of each field the low half.
     void Write(TStreamBase & tStream) const;
+
+    /// Reads nine 32-bit integers, in the order of the fields. *A stream that ends too early is no failure*: what it
+    /// lacks stays as it was.
+    /// \throws TXZkTools with the system's text when the platform's `Read` fails; the fields read so far stay changed
+    void Read(TIStream & tStream);
+    /// Writes nine 32-bit integers, 36 bytes.
+    /// \throws TXZkTools with the system's text when the platform's `Write` fails
+    void Write(TIStream & tStream) const;
 
     /// Reads the text of the element (`TZkDateTime`). One that is no date gives 1601-01-01 00:00:00.
     void Read(TOptionElement const & tElement);

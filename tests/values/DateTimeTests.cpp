@@ -1,7 +1,9 @@
 #include "ZkTools/DateTime.h"
 
+#include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/Stream.h"
+#include "tests/support/Compound.h"
 #include "tests/support/Narrow.h"
 #include "tests/support/SystemCall.h"
 
@@ -270,6 +272,85 @@ TEST(TStructTmStream, ACutRecordKeepsWhatWasRead) {
             aiExpected[u] = u < dwLength / 2 ? static_cast<int>(u) + 1 : -1;
         EXPECT_EQ(std::memcmp(&tRead, aiExpected.data(), sizeof tRead), 0) << dwLength;
     }
+}
+
+namespace {
+
+tm const tWide{INT_MIN, -1, 0x01020304, INT_MAX, 5, 6, 7, 8, 9};
+
+/// A COM stream over a fake one.
+struct TAliasedStream : TIStream {
+    explicit TAliasedStream(zk_test::TFakeStream & tFake) { Alias(&tFake); }
+};
+
+} // namespace
+
+TEST(TStructTmComStream, WritesNineWholeFields) {
+    zk_test::TFakeStream tFake;
+    TAliasedStream tStream(tFake);
+    TStructTm(tWide).Write(tStream);
+    EXPECT_EQ(tFake.sCalls, "Write 4; Write 4; Write 4; Write 4; Write 4; Write 4; Write 4; Write 4; Write 4");
+    EXPECT_EQ(tFake.sBytes, std::string_view(reinterpret_cast<char const *>(&tWide), 36));
+    EXPECT_EQ(tFake.sBytes.substr(8, 4), "\4\3\2\1");
+}
+
+TEST(TStructTmComStream, ReadsThemBack) {
+    zk_test::TFakeStream tFake(std::string_view(reinterpret_cast<char const *>(&tWide), 36));
+    TAliasedStream tStream(tFake);
+    TStructTm tRead;
+    tRead.Read(tStream);
+    EXPECT_EQ(std::memcmp(&tRead, &tWide, sizeof tRead), 0);
+    EXPECT_EQ(tFake.sCalls, "Read 4; Read 4; Read 4; Read 4; Read 4; Read 4; Read 4; Read 4; Read 4");
+}
+
+TEST(TStructTmComStream, WhatAShortStreamLacksStaysAsItWas) {
+    for (std::size_t uLength = 0; uLength <= 36; ++uLength) {
+        zk_test::TFakeStream tFake(std::string_view(reinterpret_cast<char const *>(&tWide), uLength));
+        tFake.hrSuccess = S_FALSE; // as a stream may say that fewer bytes came
+        TAliasedStream tStream(tFake);
+        TStructTm tRead(tm{-2, -2, -2, -2, -2, -2, -2, -2, -2});
+        TStructTm tExpected = tRead;
+        EXPECT_NO_THROW(tRead.Read(tStream));
+        std::memcpy(static_cast<void *>(&tExpected), &tWide, uLength);
+        EXPECT_EQ(std::memcmp(&tRead, &tExpected, sizeof tRead), 0) << uLength;
+    }
+}
+
+TEST(TStructTmComStream, AFailedReadKeepsWhatWasRead) {
+    for (int iField = 0; iField < 9; ++iField) {
+        zk_test::TFakeStream tFake(std::string_view(reinterpret_cast<char const *>(&tWide), 36));
+        tFake.iFailAt = iField;
+        tFake.hrFailure = STG_E_ACCESSDENIED;
+        TAliasedStream tStream(tFake);
+        TStructTm tRead(tm{-2, -2, -2, -2, -2, -2, -2, -2, -2});
+        TStructTm tExpected = tRead;
+        std::memcpy(static_cast<void *>(&tExpected), &tWide, static_cast<std::size_t>(iField) * 4);
+        EXPECT_EQ(sThrown([&] { tRead.Read(tStream); }),
+                  sNarrow(sGetErrorString(static_cast<unsigned long>(STG_E_ACCESSDENIED))));
+        EXPECT_EQ(std::memcmp(&tRead, &tExpected, sizeof tRead), 0) << iField;
+    }
+}
+
+TEST(TStructTmComStream, AFailedWriteIsAFailure) {
+    zk_test::TFakeStream tFake;
+    tFake.iFailAt = 8;
+    tFake.hrFailure = STG_E_MEDIUMFULL;
+    TAliasedStream tStream(tFake);
+    EXPECT_EQ(sThrown([&] { TStructTm(tWide).Write(tStream); }),
+              sNarrow(sGetErrorString(static_cast<unsigned long>(STG_E_MEDIUMFULL))));
+}
+
+TEST(TStructTmComStream, ComesBackFromACompoundFile) {
+    TIStorage tStorage;
+    tStorage.CreateInMemory(STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE);
+    TIStream tStream;
+    tStream.Create(tStorage, L"time", STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE);
+    TStructTm(tWide).Write(tStream);
+    EXPECT_EQ(tStream.luliGetSize(), 36u);
+    tStream.luliSeek(0, 0);
+    TStructTm tRead;
+    tRead.Read(tStream);
+    EXPECT_EQ(std::memcmp(&tRead, &tWide, sizeof tRead), 0);
 }
 
 // The instant form
