@@ -11,7 +11,10 @@ extern TCommand const tHoldCommand;
 extern TCommand const tWhoCommand;
 extern TCommand const tAliasCommand;
 extern TCommand const tDecimalCommand;
+extern TCommand const tDateCommand;
+extern TCommand const tSortCommand;
 
 inline constexpr std::array pCommands{
-    &tStoreCommand, &tShowCommand, &tHoldCommand, &tWhoCommand, &tAliasCommand, &tDecimalCommand,
+    &tStoreCommand, &tShowCommand,    &tHoldCommand, &tWhoCommand,
+    &tAliasCommand, &tDecimalCommand, &tDateCommand, &tSortCommand,
 };
