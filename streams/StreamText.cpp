@@ -360,10 +360,10 @@ int TStreamBase::iEncodeAsUtf8(wchar_t const * pText, std::size_t uUnits) {
     if (uUnits > INT_MAX) return -1;
     int const iUnits = static_cast<int>(uUnits);
     // A short text surely fits; of a longer one the size is counted.
-    if (uUnits * 3 >= static_cast<std::size_t>(iConvertBufferSize)) {
+    if (uUnits * 3 + iUtf8Slack > static_cast<std::size_t>(iConvertBufferSize)) {
         int const iSize = iGetUtf8Size(pText, iUnits);
-        if (iSize < 0 || iSize == INT_MAX) return -1;
-        AllocUTF8Buffer(iSize + 1);
+        if (iSize < 0 || iSize > INT_MAX - iUtf8Slack) return -1;
+        AllocUTF8Buffer(iSize + iUtf8Slack);
     }
     return iEncodeUtf8(pText, iUnits, pConvertBuffer.get());
 }

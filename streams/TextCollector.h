@@ -1,6 +1,8 @@
 // Gathers the text of one reader, so that the caller's string is touched once, at the end.
 #pragma once
 
+#include "streams/CopyBytes.h"
+
 #include <cstddef>
 #include <string>
 
@@ -36,7 +38,12 @@ public:
 
     void MoveTo(std::wstring & sTarget) {
         if (sSpilled.empty()) {
-            sTarget.assign(acUnits, uCount);
+            if (uCount <= sTarget.size()) {
+                sTarget.resize(uCount);
+                CopyBytes(sTarget.data(), acUnits, uCount * sizeof(wchar_t));
+            } else {
+                sTarget.assign(acUnits, uCount);
+            }
         } else {
             Spill();
             sTarget = std::move(sSpilled);

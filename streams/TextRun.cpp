@@ -2,6 +2,7 @@
 
 #include "ZkBase/Windows.h"
 #include "streams/CodePageTable.h"
+#include "streams/Utf8Shuffle.h"
 
 #include <algorithm>
 #include <bit>
@@ -78,10 +79,11 @@ TRunEnd tCharacterRun(unsigned char const * p, unsigned char const * pEnd, wchar
     return {p, pOut};
 }
 
-/// Decodes UTF-8 from a byte above ASCII up to the next ASCII byte, as long as four bytes are left. False when it ended
-/// at what needs care.
-bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
-                    wchar_t const * pOutEnd) noexcept {
+/// Decodes UTF-8 from a byte above ASCII, and what follows as long as the shuffle goes on, then up to the next ASCII
+/// byte as long as four bytes are left. False when it ended at what needs care.
+bool fTakeUtf8(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo, wchar_t const * pOutEnd,
+               TStops tStops) noexcept {
+    TakeUtf8ByShuffle(pFrom, pEnd, pTo, pOutEnd, tStops.cGetAscii1(), tStops.cGetAscii2());
     unsigned char const * p = pFrom;
     wchar_t * pOut = pTo;
     bool fPlain = true;
@@ -107,15 +109,16 @@ bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wc
     return fPlain;
 }
 
-/// The same by a table.
+/// The same for any encoding.
+template <typename TDecode>
 bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo, wchar_t const * pOutEnd,
-                    TStops tStops, TCodePageTable const & tTable) {
+                    TStops tStops, TDecode cDecode) {
     unsigned char const * p = pFrom;
     wchar_t * pOut = pTo;
     bool fPlain = true;
     while (p != pEnd && pOut != pOutEnd && *p >= 0x80) {
         unsigned int uLength = 1;
-        wchar_t const c = tTable.cDecode(p, static_cast<std::size_t>(pEnd - p), uLength);
+        wchar_t const c = cDecode(p, static_cast<std::size_t>(pEnd - p), uLength);
         fPlain = !tStops.fIsStop(c);
         if (!fPlain) break;
         *pOut++ = c;
@@ -126,11 +129,11 @@ bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wc
     return fPlain;
 }
 
-/// Takes ASCII by pieces of 16, for encodings whose ASCII is ASCII and with ASCII stops, and leaves what stands between
-/// to `fTakeOthers`. Ends also when fewer than 16 bytes or less room are left.
-template <typename TTakeOthers>
+/// The same for encodings whose ASCII is ASCII, with ASCII stops: ASCII by pieces of 16, what stands between them by
+/// `fTakeOthers`, and only the last bytes, or the last room, character by character.
+template <typename TDecode, typename TTakeOthers>
 TRunEnd tAsciiRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
-                  TStops tStops, TTakeOthers fTakeOthers) {
+                  TStops tStops, TDecode cDecode, TTakeOthers fTakeOthers) {
     __m128i const tZero = _mm_setzero_si128();
     __m128i const tStop1 = _mm_set1_epi8(tStops.cGetAscii1());
     __m128i const tStop2 = _mm_set1_epi8(tStops.cGetAscii2());
@@ -142,40 +145,36 @@ TRunEnd tAsciiRun(unsigned char const * p, unsigned char const * pEnd, wchar_t *
         _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + 8), _mm_unpackhi_epi8(tBytes, tZero));
         // The top bit of a byte tells that it is a stop, a zero or above ASCII.
         auto const uCare = static_cast<unsigned int>(_mm_movemask_epi8(tCare));
-        std::ptrdiff_t const iPlain = std::countr_zero(uCare | 1u << 16);
+        if (uCare == 0) {
+            p += 16;
+            pOut += 16;
+            continue;
+        }
+        int const iPlain = std::countr_zero(uCare);
         p += iPlain;
         pOut += iPlain;
-        if (iPlain == 16) continue;
-        if (*p < 0x80 || !fTakeOthers(p, pOut)) break;
+        if (*p < 0x80 || !fTakeOthers(p, pOut)) return {p, pOut};
     }
-    return {p, pOut};
+    return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecode);
 }
 
 TRunEnd tTableRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
                   TStops tStops, TCodePageTable const & tTable) {
-    if (tTable.fIsAscii() && tStops.fAreAscii()) {
-        TRunEnd const t = tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, [&](unsigned char const *& pAt, wchar_t *& pTo) {
-            return fTakeMultiByte(pAt, pEnd, pTo, pOutEnd, tStops, tTable);
-        });
-        p = t.p;
-        pOut = t.pOut;
-    }
-    return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops,
-                         [&tTable](unsigned char const * pBytes, std::size_t uLeft, unsigned int & uLength) {
-                             return tTable.cDecode(pBytes, uLeft, uLength);
-                         });
+    auto const cDecode = [&tTable](unsigned char const * pBytes, std::size_t uLeft, unsigned int & uLength) {
+        return tTable.cDecode(pBytes, uLeft, uLength);
+    };
+    if (!tTable.fIsAscii() || !tStops.fAreAscii()) return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecode);
+    return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecode, [=](unsigned char const *& pAt, wchar_t *& pTo) {
+        return fTakeMultiByte(pAt, pEnd, pTo, pOutEnd, tStops, cDecode);
+    });
 }
 
 TRunEnd tUtf8Run(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
                  TStops tStops) {
-    if (tStops.fAreAscii()) {
-        TRunEnd const t = tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, [&](unsigned char const *& pAt, wchar_t *& pTo) {
-            return fTakeMultiByte(pAt, pEnd, pTo, pOutEnd);
-        });
-        p = t.p;
-        pOut = t.pOut;
-    }
-    return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8); // the last bytes, the last room, or a stop
+    if (!tStops.fAreAscii()) return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8);
+    return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8, [=](unsigned char const *& pAt, wchar_t *& pTo) {
+        return fTakeUtf8(pAt, pEnd, pTo, pOutEnd, tStops);
+    });
 }
 
 TRunEnd tUtf16Run(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
@@ -254,34 +253,19 @@ int iEncodeUtf8(wchar_t const * pText, int iCount, char * pTarget) noexcept {
     wchar_t const * p = pText;
     wchar_t const * const pEnd = pText + iCount;
     char * pOut = pTarget;
-    __m128i const tZero = _mm_setzero_si128();
-    __m128i const tAboveAscii = _mm_set1_epi16(static_cast<short>(0xFF80));
-    while (p != pEnd) {
-        // ASCII by pieces of eight: there is room for a byte for each unit left, so the whole store fits.
-        while (pEnd - p >= 8) {
-            __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-            _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tUnits, tUnits));
-            auto const uAscii = static_cast<unsigned int>(
-                _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(tUnits, tAboveAscii), tZero)));
-            int const iPlain = uAscii == 0xFFFF ? 8 : std::countr_one(uAscii) / 2;
-            p += iPlain;
-            pOut += iPlain;
-            if (iPlain != 8) break;
-        }
-        // What stands between them, or behind the last one, one by one.
-        for (; p != pEnd && (*p >= 0x80 || pEnd - p < 8); ++p) {
-            unsigned int const c = *p;
-            if (c < 0x80) {
-                *pOut++ = static_cast<char>(c);
-            } else if (c < 0x800) {
-                *pOut++ = static_cast<char>(0xC0 | c >> 6);
-                *pOut++ = static_cast<char>(0x80 | (c & 0x3F));
-            } else {
-                if ((c & 0xF800) == 0xD800) return -1;
-                std::uint32_t const uBytes = 0x8080E0 | c >> 12 | (c << 2 & 0x3F00) | (c & 0x3F) << 16;
-                std::memcpy(pOut, &uBytes, sizeof uBytes); // one byte more than it takes
-                pOut += 3;
-            }
+    EncodeUtf8ByShuffle(p, pEnd, pOut);
+    for (; p != pEnd; ++p) {
+        unsigned int const c = *p;
+        if (c < 0x80) {
+            *pOut++ = static_cast<char>(c);
+        } else if (c < 0x800) {
+            *pOut++ = static_cast<char>(0xC0 | c >> 6);
+            *pOut++ = static_cast<char>(0x80 | (c & 0x3F));
+        } else {
+            if ((c & 0xF800) == 0xD800) return -1;
+            *pOut++ = static_cast<char>(0xE0 | c >> 12);
+            *pOut++ = static_cast<char>(0x80 | (c >> 6 & 0x3F));
+            *pOut++ = static_cast<char>(0x80 | (c & 0x3F));
         }
     }
     return static_cast<int>(pOut - pTarget);

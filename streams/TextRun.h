@@ -24,6 +24,9 @@ struct TTextRun {
 /// The bytes that the text takes in UTF-8, or -1 when it holds a surrogate half or is too long for an `int`.
 [[nodiscard]] int iGetUtf8Size(wchar_t const * pText, int iCount) noexcept;
 
+/// Bytes of the target behind the encoded text that `iEncodeUtf8` may write as well.
+constexpr int iUtf8Slack = 16;
+
 /// Encodes text without surrogate halves; `pTarget` has room for three bytes a unit, or for what `iGetUtf8Size` tells,
-/// and for one byte more. Returns the bytes written, or -1 at a surrogate half.
+/// and the slack. Returns the bytes written, or -1 at a surrogate half.
 [[nodiscard]] int iEncodeUtf8(wchar_t const * pText, int iCount, char * pTarget) noexcept;
