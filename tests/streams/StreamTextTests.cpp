@@ -890,3 +890,28 @@ TEST(TStreamBaseText, PeeksAtPairsOfBytesAsThePlatformDoes) {
         }
     }
 }
+
+TEST(TStreamBaseText, ReadsGroupsOfUtf8AsCharacterByCharacter) {
+    // Dense mixes of one to three bytes, with ends, stops and errors at every place of a group.
+    static constexpr std::wstring_view asAlphabets[] = {L"ab\u00E4\u07FF", L"a\u0800\u6F22\uFFFD",
+                                                        L"abcdefghijklmn\u0080", L"a\u00E4\u6F22\u5B57", L"\u6F22"};
+    std::mt19937 tRandom(99);
+    for (int i = 0; i < 20000; ++i) {
+        std::wstring_view const sAlphabet = asAlphabets[tRandom() % std::size(asAlphabets)];
+        TStreamBase tEncoded(ecpUtf8);
+        for (std::size_t u = tRandom() % 60; u != 0; --u)
+            tEncoded.WriteChar(sAlphabet[tRandom() % sAlphabet.size()]);
+        if (tEncoded.pGetData() == nullptr) continue;
+        std::string sData = sBytes(tEncoded);
+        if (!sData.empty() && tRandom() % 2 == 0) {
+            static constexpr std::string_view sBreaks = "\n\\\xC0\xC1\xC2\xE0\xED\xEF\xBF\xF0\x80\xFF\0"sv;
+            sData[tRandom() % sData.size()] = sBreaks[tRandom() % sBreaks.size()];
+        }
+        Compare(
+            sData, 65001, [](auto & t, auto & s) { t.ReadToDelim(s, L'\n', L'\\', false, 0); },
+            [](auto & t, auto & s) { t.ReadToDelim(s, L'\n', L'\\', false); });
+        Compare(
+            sData, 65001, [](auto & t, auto & s) { t.ReadString(s); }, [](auto & t, auto & s) { t.ReadString(s); });
+        if (HasFatalFailure()) return;
+    }
+}
