@@ -71,6 +71,14 @@ void Add(std::string const & sName, EBound eBound, double dBound, std::function<
         ->Unit(benchmark::kMillisecond);
 }
 
+void AddFigure(std::string const & sName, double dBound, std::function<double()> const & fRatio) {
+    TPair & tPair = tGetPairs().emplace_back(TPair{sName, EBound::eTimesTheTime, dBound, {}, {}});
+    benchmark::RegisterBenchmark(sName.c_str(), [&tPair, fRatio](benchmark::State & tState) {
+        for ([[maybe_unused]] auto const & tStep : tState)
+            tPair.dRatio = fRatio();
+    })->Iterations(1);
+}
+
 int iRun(int iCount, char ** ppArguments) {
     benchmark::Initialize(&iCount, ppArguments);
     benchmark::RunSpecifiedBenchmarks();

@@ -16,6 +16,9 @@ enum class EBound {
 void Add(std::string const & sName, EBound eBound, double dBound, std::function<void()> const & fOurs,
          std::function<void()> const & fPeer);
 
+/// Registers a ratio that is no ratio of times. It is measured once and has to be at most the bound.
+void AddFigure(std::string const & sName, double dBound, std::function<double()> const & fRatio);
+
 /// Measures every pair that was registered and prints one line for each:
 ///
 ///     ratio Readln, Latin text: 3.10 (at least 2.00) holds

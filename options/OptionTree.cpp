@@ -28,6 +28,14 @@ std::wstring const sEmptyText;
 
 constexpr std::wstring_view sObjectTypeAttribute = L"ObjectType";
 
+/// Where the first node of that name is; the count when there is none.
+template <typename TArray>
+std::size_t uFindNamed(TArray const & tArray, std::wstring_view sName) noexcept {
+    auto const pFound =
+        std::ranges::find_if(tArray, [sName](auto const * pNode) { return fEqualNames(pNode->sName, sName); });
+    return static_cast<std::size_t>(pFound - tArray.begin());
+}
+
 /// As the platform's `_wcsicmp`: up to the first zero.
 bool fEqualWithoutCase(std::wstring const & sFirst, std::wstring_view sSecond) noexcept {
     sSecond = sSecond.substr(0, sSecond.find(L'\0'));
@@ -220,11 +228,7 @@ int TOptionElement::iCountAttributes() const noexcept {
 }
 
 std::size_t TOptionElement::uFindAttribute(std::wstring_view sAttribute) const noexcept {
-    auto const & tQueue = tAttributes.tQueue;
-    std::size_t uIndex = 0;
-    while (uIndex < tQueue.uGetCount() && !fEqualNames(tQueue[uIndex]->sName, sAttribute))
-        ++uIndex;
-    return uIndex;
+    return uFindNamed(tAttributes, sAttribute);
 }
 
 TOptionAttribute const * TOptionElement::pGetAttribute(int iIndex) const {
@@ -289,11 +293,7 @@ int TOptionElement::iCountElements(std::wstring_view sElement) const noexcept {
 }
 
 std::size_t TOptionElement::uFindElement(std::wstring_view sElement) const noexcept {
-    auto const & tQueue = tElements.tQueue;
-    std::size_t uIndex = 0;
-    while (uIndex < tQueue.uGetCount() && !fEqualNames(tQueue[uIndex]->sName, sElement))
-        ++uIndex;
-    return uIndex;
+    return uFindNamed(tElements, sElement);
 }
 
 std::size_t TOptionElement::uFindElement(TOptionElement const * pChild) const noexcept {
