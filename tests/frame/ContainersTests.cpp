@@ -2,6 +2,7 @@
 
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/Stream.h"
+#include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>
 
@@ -716,3 +717,26 @@ TEST(TZkBitSet, ReadsItsBytesBack) {
     EXPECT_THROW(tRead.Read(tStream), TXZkTools);
     EXPECT_TRUE(tRead == tSet);
 }
+
+#ifdef __MINGW32__
+TEST(TArrays, CostNoHeapMemoryWhileTheyAreEmpty) {
+    HMODULE const hSelf = GetModuleHandleW(nullptr);
+    using TNew = void * WINAPI(std::size_t);
+    zk_test::TSystemCall<"_Znwy", TNew> tNew([&](std::size_t uSize) { return tNew.Original(uSize); }, hSelf);
+    zk_test::TSystemCall<"_Znay", TNew> tNewArray([&](std::size_t uSize) { return tNewArray.Original(uSize); }, hSelf);
+    TArrayAsVector<int> tValues(100);
+    TArrayAsVector<int> const tCopy(tValues);
+    TIArrayAsVector<TProbe> const tPointers(100);
+    TIArrayAsVector<int> tTwo(0);
+    int iFirst = 0;
+    tTwo.OwnsElements(false);
+    tTwo.Add(&iFirst); // as well as two pointers
+    tTwo.Add(&iFirst);
+    EXPECT_EQ(tNew.iGetCalls() + tNewArray.iGetCalls(), 0);
+
+    tTwo.Add(&iFirst);
+    tValues.Add(1);
+    EXPECT_GT(tNew.iGetCalls(), 0);
+    EXPECT_EQ(tNewArray.iGetCalls(), 1);
+}
+#endif
