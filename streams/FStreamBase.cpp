@@ -8,6 +8,7 @@
 #include "ZkTools/MessageIds.h"
 #include "frame/Failures.h"
 #include "streams/CopyBytes.h"
+#include "streams/Delimiter.h"
 #include "streams/TextCollector.h"
 
 #include <algorithm>
@@ -311,18 +312,17 @@ void TFStreamBase::ReadToDelim(std::wstring & sText, wchar_t cDelim, wchar_t cEs
 
 void TFStreamBase::CollectToDelim(TTextCollector & tText, wchar_t cDelim, wchar_t cEscape, bool fKeepDelim) {
     NeedBlock();
-    if (!fIsEoF()) EnsureBufferFilled(); // a mark alone is an empty text
-    bool fEscaped = false;               // the character before was an escape
+    if (TFStreamBase::dwGetPos() == 0 && !fIsEoF()) EnsureBufferFilled(); // a mark alone is an empty text
+    TDelimiter tDelimiter(cDelim, cEscape);
     while (!fIsEoF()) {
-        if (!fEscaped) {
+        if (!tDelimiter.fIsEscaped()) {
             dwCollectRun(tText, ULONG_MAX, cDelim, cEscape);
+            if (!fKeepDelim && cDelim != cEscape && fPassByte(cDelim)) break;
             if (fIsEoF()) break;
         }
         wchar_t c = 0;
         ReadCharInternal(c, cDelim == 0);
-        bool const fFreshEscape = cEscape != 0 && c == cEscape && !fEscaped;
-        bool const fFound = !fEscaped && c == cDelim && !fFreshEscape;
-        fEscaped = fFreshEscape;
+        bool const fFound = tDelimiter.fEndsWith(c);
         // Deliberate: 0xFFFF once meant the end of the file to readers of these texts, and is never stored.
         if ((!fFound || fKeepDelim) && c != cNeverStored) tText.Add(c);
         if (fFound) break;

@@ -6,6 +6,7 @@
 #include "ZkBase/Windows.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/MessageIds.h"
+#include "streams/Delimiter.h"
 #include "streams/TextCollector.h"
 #include "streams/TextRun.h"
 
@@ -283,17 +284,15 @@ void TStreamBase::Read8BitBlob(std::wstring & sText) {
 
 void TStreamBase::ReadToDelim(std::wstring & sText, wchar_t cDelim, wchar_t cEscape, bool fKeepDelim, unsigned long) {
     TTextCollector tText;
-    bool fEscaped = false; // the character before was an escape
+    TDelimiter tDelimiter(cDelim, cEscape);
     while (!fIsEoF()) {
-        if (!fEscaped) {
+        if (!tDelimiter.fIsEscaped()) {
             dwCollectRun(tText, ULONG_MAX, cDelim, cEscape);
             if (fIsEoF()) break;
         }
         wchar_t c = 0;
         ReadCharInternal(c, cDelim == 0);
-        bool const fFreshEscape = cEscape != 0 && c == cEscape && !fEscaped;
-        bool const fFound = !fEscaped && c == cDelim && !fFreshEscape;
-        fEscaped = fFreshEscape;
+        bool const fFound = tDelimiter.fEndsWith(c);
         if (!fFound || fKeepDelim) tText.Add(c);
         if (fFound) break;
     }

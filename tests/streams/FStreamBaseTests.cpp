@@ -482,6 +482,19 @@ TEST(TFStreamBase, ReadToDelimReplacesTheText) {
     EXPECT_EQ(sText, L"c,");
     tStream.ReadToDelim(sText, L',', L'\\', true, 0);
     EXPECT_EQ(sText, L"");
+    TDeviceStream tUtf8("a\\,b,c", 4096, 0, ecpUtf8);
+    tUtf8.ReadToDelim(sText, L',', L'\\', false, 0);
+    EXPECT_EQ(sText, L"a\\,b");
+    EXPECT_EQ(tUtf8.dwGetPos(), 5u);
+}
+
+TEST(TFStreamBase, AnEscapeThatIsTheDelimiterDoesNotEndTheText) {
+    for (ECodePage const eCodePage : {ecpUtf8, ecpWestern}) {
+        TDeviceStream tStream("a,,b,c", 4096, FS_BINARY, eCodePage);
+        std::wstring sText;
+        tStream.ReadToDelim(sText, L',', L',', false, 0);
+        EXPECT_EQ(sText, L"a,,b,c");
+    }
 }
 
 TEST(TFStreamBase, NeverStores0xFFFF) {
