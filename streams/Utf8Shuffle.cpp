@@ -132,29 +132,37 @@ TBytes tLook(unsigned char const * p, __m128i tStop1, __m128i tStop2) noexcept {
             static_cast<std::uint32_t>(_mm_movemask_epi8(tStops))};
 }
 
-/// Takes eight bytes that hold ASCII and characters of two bytes, or seven when the eighth begins one.
-ZK_SHUFFLE_CODE bool fTakeEight(TBytes const & tBytes, unsigned char const *& p, wchar_t *& pOut) noexcept {
-    constexpr std::uint32_t uEight = 0xFF;
-    std::uint32_t const uLater = tBytes.uLater & uEight;
-    std::uint32_t const uFirst = tBytes.uAbove & ~tBytes.uLater & uEight;
+/// Puts together eight units of their bytes and the bytes behind those: where a character of two bytes begins, from
+/// both.
+ZK_SHUFFLE_CODE __m128i tJoinTwo(__m128i tUnits, __m128i tBehind, __m128i tBegins) noexcept {
+    __m128i const tHigh = _mm_slli_epi16(_mm_and_si128(tUnits, _mm_set1_epi16(0x1F)), 6);
+    __m128i const tTwo = _mm_or_si128(tHigh, _mm_and_si128(tBehind, _mm_set1_epi16(0x3F)));
+    return _mm_or_si128(_mm_and_si128(tBegins, tTwo), _mm_andnot_si128(tBegins, tUnits));
+}
+
+/// Takes 16 bytes of ASCII and characters of two bytes, or 15 when the last one begins a character.
+ZK_SHUFFLE_CODE bool fTakeSixteen(TBytes const & tBytes, unsigned char const *& p, wchar_t *& pOut) noexcept {
+    std::uint32_t const uFirst = tBytes.uAbove & ~tBytes.uLater;
     // Bytes below 0xC2 begin nothing, and behind every first byte, and nowhere else, a continuation stands.
     auto const uBelow = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmplt_epi8(tBytes.t, _mm_set1_epi8(-62))));
-    if ((uFirst & uBelow) != 0 || uLater != (uFirst << 1 & uEight) || (tBytes.uStops & uEight) != 0) return false;
+    if ((uFirst & uBelow) != 0 || tBytes.uLater != (uFirst << 1 & 0xFFFF) || tBytes.uStops != 0) return false;
 
     __m128i const tZero = _mm_setzero_si128();
-    __m128i const tIsFirst =
-        _mm_andnot_si128(_mm_cmplt_epi8(tBytes.t, _mm_set1_epi8(-64)), _mm_cmplt_epi8(tBytes.t, tZero));
-    __m128i const tFirstUnits = _mm_unpacklo_epi8(tIsFirst, tIsFirst);
-    __m128i const tUnits = _mm_unpacklo_epi8(tBytes.t, tZero);
-    __m128i const tHigh = _mm_slli_epi16(_mm_and_si128(tUnits, _mm_set1_epi16(0x1F)), 6);
-    __m128i const tLow = _mm_and_si128(_mm_srli_si128(tUnits, 2), _mm_set1_epi16(0x3F));
-    __m128i const tTwo = _mm_or_si128(tHigh, tLow);
-    __m128i const tAll = _mm_or_si128(_mm_and_si128(tFirstUnits, tTwo), _mm_andnot_si128(tFirstUnits, tUnits));
-    std::uint32_t const uCut = uFirst & 0x80;
-    std::uint32_t const uDropped = uLater | uCut;
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tAll, tLoad(tTables.aauDrop[uDropped])));
-    pOut += tTables.auKept[uDropped];
-    p += uCut != 0 ? 7 : 8;
+    __m128i const tBehind = _mm_srli_si128(tBytes.t, 1);
+    __m128i const tAbove = _mm_cmplt_epi8(tBytes.t, tZero);
+    __m128i const tBegins = _mm_andnot_si128(_mm_cmplt_epi8(tBytes.t, _mm_set1_epi8(-64)), tAbove);
+    __m128i const tFront = tJoinTwo(_mm_unpacklo_epi8(tBytes.t, tZero), _mm_unpacklo_epi8(tBehind, tZero),
+                                    _mm_unpacklo_epi8(tBegins, tBegins));
+    __m128i const tBack = tJoinTwo(_mm_unpackhi_epi8(tBytes.t, tZero), _mm_unpackhi_epi8(tBehind, tZero),
+                                   _mm_unpackhi_epi8(tBegins, tBegins));
+    std::uint32_t const uCut = uFirst & 0x8000;
+    std::uint32_t const uDropFront = tBytes.uLater & 0xFF;
+    std::uint32_t const uDropBack = (tBytes.uLater | uCut) >> 8;
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tFront, tLoad(tTables.aauDrop[uDropFront])));
+    pOut += tTables.auKept[uDropFront];
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tBack, tLoad(tTables.aauDrop[uDropBack])));
+    pOut += tTables.auKept[uDropBack];
+    p += uCut != 0 ? 15 : 16;
     return true;
 }
 
@@ -194,12 +202,12 @@ ZK_SHUFFLE_CODE void TakeGroups(unsigned char const *& pFrom, unsigned char cons
     __m128i const tStop2 = _mm_set1_epi8(cStop2);
     unsigned char const * p = pFrom;
     wchar_t * pOut = pTo;
-    while (pEnd - p >= 16 && pOutEnd - pOut >= 8) {
+    while (pEnd - p >= 16 && pOutEnd - pOut >= 16) {
         TBytes const tBytes = tLook(p, tStop1, tStop2);
         if (tBytes.uAbove == 0) break;
         auto const uLong = static_cast<std::uint32_t>(
             _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(tBytes.t, _mm_set1_epi8(-32)), tBytes.t))); // 0xE0 and above
-        bool const fTaken = (uLong & 0xFF) == 0 ? fTakeEight(tBytes, p, pOut) : fTakeFour(tBytes, p, pOut);
+        bool const fTaken = uLong == 0 ? fTakeSixteen(tBytes, p, pOut) : fTakeFour(tBytes, p, pOut);
         if (!fTaken) break;
     }
     pFrom = p;

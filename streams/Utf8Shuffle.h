@@ -3,7 +3,7 @@
 #pragma once
 
 /// Decodes as long as what comes next is plain: well-formed characters of up to three bytes, neither a stop (ASCII, or
-/// 0 for none) nor a zero nor 0xFFFF, with 16 bytes to look at and room for eight units. Ends also in front of 16 bytes
+/// 0 for none) nor a zero nor 0xFFFF, with 16 bytes to look at and room for 16 units. Ends also in front of 16 bytes
 /// of ASCII, for which there are faster ways. Moves both pointers.
 void TakeUtf8ByShuffle(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
                        wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept;
