@@ -71,14 +71,16 @@ TChildRole const tWriterOnAFullDisk(L"fstream_destructor", [](std::vector<std::w
     return 0;
 });
 
+LONG WINAPI TellRaisedException(EXCEPTION_POINTERS * pPointers) {
+    EXCEPTION_RECORD const & tRecord = *pPointers->ExceptionRecord;
+    if (tRecord.ExceptionCode != 0x80070006) return EXCEPTION_CONTINUE_SEARCH;
+    Say("raised " + std::to_string(tRecord.ExceptionFlags) + " " + std::to_string(tRecord.NumberParameters));
+    ExitProcess(44);
+}
+
 /// Closes a handle that is closed already, by assignment or by destruction.
 TChildRole const tCloserOfABadHandle(L"handle_raise", [](std::vector<std::wstring> const & sArguments) {
-    AddVectoredExceptionHandler(1, [](EXCEPTION_POINTERS * pPointers) -> LONG {
-        EXCEPTION_RECORD const & tRecord = *pPointers->ExceptionRecord;
-        if (tRecord.ExceptionCode != 0x80070006) return EXCEPTION_CONTINUE_SEARCH;
-        Say("raised " + std::to_string(tRecord.ExceptionFlags) + " " + std::to_string(tRecord.NumberParameters));
-        ExitProcess(44);
-    });
+    AddVectoredExceptionHandler(1, &TellRaisedException);
     HANDLE const hBad = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     CloseHandle(hBad);
     if (sArguments.at(0) == L"assign") {
