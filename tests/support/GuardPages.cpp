@@ -15,6 +15,8 @@ namespace {
 constexpr std::size_t uPage = 4096;
 constexpr std::size_t uAlignment = 16;
 constexpr unsigned char uFill = 0xFD;
+constexpr unsigned int uAllGuarded = 50'000; // blocks of one test
+constexpr unsigned int uSampled = 64;
 #ifdef _WIN64
 constexpr std::size_t uArena = std::size_t{64} << 30; // addresses only: pages are taken one by one
 #else
@@ -30,6 +32,7 @@ static_assert(sizeof(THead) <= uAlignment);
 
 char * pArena = nullptr;
 std::atomic<std::size_t> uTaken = 0;
+std::atomic<unsigned int> uBlocksOfTest = 0;
 
 constexpr std::size_t uRoundUp(std::size_t uValue, std::size_t uTo) {
     return (uValue + uTo - 1) / uTo * uTo;
@@ -55,15 +58,19 @@ char * pGetFirstPage(char * pBlock) {
     return uInPage < uAlignment ? pBlock - uInPage - uPage : pBlock - uInPage;
 }
 
+void * pAllocatePlain(std::size_t uSize) {
+    if (void * const pBlock = std::malloc(uSize == 0 ? 1 : uSize)) return pBlock;
+    throw std::bad_alloc();
+}
+
 void * pAllocate(std::size_t uSize) {
+    unsigned int const uNumber = uBlocksOfTest++;
+    if (uNumber >= uAllGuarded && uNumber % uSampled != 0) return pAllocatePlain(uSize);
     std::size_t const uBlock = uRoundUp(uSize, uAlignment);
     std::size_t const uPages = uRoundUp(uBlock + uAlignment, uPage);
     if (uBlock < uSize || uPages > uArena) throw std::bad_alloc();
     std::size_t const uStart = uTaken.fetch_add(uPages + uPage); // the last page stays out of reach
-    if (uStart + uPages > uArena) {
-        if (void * const pPlain = std::malloc(uSize == 0 ? 1 : uSize)) return pPlain;
-        throw std::bad_alloc();
-    }
+    if (uStart + uPages > uArena) return pAllocatePlain(uSize);
     char * const pPages = pArena + uStart;
     if (VirtualAlloc(pPages, uPages, MEM_COMMIT, PAGE_READWRITE) == nullptr) throw std::bad_alloc();
     char * const pBlock = pPages + uPages - uBlock;
@@ -135,6 +142,10 @@ bool fInstallGuardPages() {
     static_cast<void>(&Release);
     return false;
 #endif
+}
+
+void BeginGuardedTest() noexcept {
+    uBlocksOfTest = 0;
 }
 
 bool fIsGuarded(void const * pBlock) noexcept {

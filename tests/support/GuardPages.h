@@ -11,9 +11,14 @@ namespace zk_test {
 ///  - is inaccessible for good once it was deleted, so that a late use, or deleting it twice, stops the program.
 ///
 /// Works by writing jumps over the run-time DLL's own `operator new` and `operator delete`, so that the library under
-/// test need not be built anew. With a compiler that links these functions into each module it does nothing and gives
-/// false; the platform's own page heap serves there. Blocks of `malloc` and over-aligned ones are left alone.
+/// test need not be built anew. A guarded block costs some 20 microseconds: of what one test allocates, the first
+/// 50,000 blocks are guarded, and every 64th behind them. With a compiler that links these functions into each module
+/// it does nothing and gives false; the platform's own page heap serves there. Blocks of `malloc` and over-aligned ones
+/// are left alone.
 bool fInstallGuardPages();
+
+/// Begins the count of blocks anew, for the next test.
+void BeginGuardedTest() noexcept;
 
 /// True when the block came from the guarded `operator new`.
 [[nodiscard]] bool fIsGuarded(void const * pBlock) noexcept;

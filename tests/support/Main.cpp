@@ -21,6 +21,11 @@ LONG WINAPI iEndAfterCrash(EXCEPTION_POINTERS * pPointers) {
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
+/// Every test has its own share of guarded blocks.
+class TGuardedTests : public testing::EmptyTestEventListener {
+    void OnTestStart(testing::TestInfo const &) override { zk_test::BeginGuardedTest(); }
+};
+
 } // namespace
 
 int main(int iCount, char ** ppArguments) {
@@ -28,5 +33,6 @@ int main(int iCount, char ** ppArguments) {
     if (std::getenv("ZK_GUARD_PAGES") != nullptr && !zk_test::fInstallGuardPages()) return EXIT_FAILURE;
     if (auto const piExit = zk_test::piRunChildRole()) return *piExit;
     testing::InitGoogleTest(&iCount, ppArguments);
+    testing::UnitTest::GetInstance()->listeners().Append(new TGuardedTests); // owned by the framework
     return RUN_ALL_TESTS();
 }
