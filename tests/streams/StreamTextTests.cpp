@@ -104,7 +104,9 @@ struct TReference {
     unsigned int uPeek(wchar_t & c, bool fAllowNull) const {
         if (fEnd()) throw TXZkTools(IDS_READ_PAST_END);
         if (fUtf16()) {
-            unsigned int const uUnit = uCodePage == 1200 ? uByte(0) | uByte(1) << 8 : uByte(0) << 8 | uByte(1);
+            unsigned int const uFirst = uByte(0);
+            unsigned int const uSecond = uByte(1);
+            unsigned int const uUnit = uCodePage == 1200 ? uFirst | uSecond << 8 : uFirst << 8 | uSecond;
             if (uUnit == 0 && !fAllowNull) {
                 throw TXZkTools(L"Conversion from codepage %d to UNICODE not possible. NullChar encountered.",
                                 int{uCodePage});
