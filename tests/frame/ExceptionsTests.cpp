@@ -1,5 +1,7 @@
 #include "ZkTools/Exceptions.h"
 
+#include "ZkTools/DecimalValue.h"
+#include "ZkTools/Files.h"
 #include "ZkTools/MessageIds.h"
 #include "frame/Failures.h"
 #include "tests/support/Narrow.h"
@@ -12,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 namespace {
@@ -184,6 +187,28 @@ TEST(Exceptions, AreCaughtByTheirOwnKindAndTheRootsAlone) {
     EXPECT_EQ(sCaughtBy(TXZkToolsSQLITE(1, L"x")), "SEre");
     EXPECT_EQ(sCaughtBy(TXZkToolsSQLITE_CONSTRAINT(1, L"x")), "CEre");
     EXPECT_EQ(sCaughtBy(TXLockOperation(std::deque<TSCMError>())), "LEre");
+}
+
+TEST(Exceptions, ThrownInTheLibraryAreCaughtByTheirOwnKindHere) {
+    try {
+        ExistDirectory(L"C:\\no such directory");
+        FAIL();
+    } catch (TXZkTools const & tError) {
+        EXPECT_EQ(typeid(tError), typeid(TXZkTools));
+        EXPECT_EQ(tError.iGetNumber(), 4251);
+        EXPECT_STREQ(tError.what(), "There is no directory \"C:\\no such directory\".");
+    }
+    try {
+        static_cast<void>(TDecimalValue::make_byte(L"128"));
+        FAIL();
+    } catch (TXZkTools const & tError) {
+        EXPECT_EQ(typeid(tError), typeid(TDecimalValue::TXInvalid));
+        EXPECT_EQ(tError.iGetNumber(), 4534);
+        EXPECT_STREQ(tError.what(), "\"128\" is not a valid value of the type \"byte\".");
+    }
+    EXPECT_THROW(static_cast<void>(TDecimalValue::make_byte(L"x")), TDecimalValue::TXInvalid);
+    EXPECT_THROW(static_cast<void>(TDecimalValue::make_byte(L"x")), TXError);
+    EXPECT_THROW(static_cast<void>(TDecimalValue::make_byte(L"x")), std::runtime_error);
 }
 
 TEST(Exceptions, KeepEverythingWhenCopiedMovedAndAssigned) {
