@@ -267,9 +267,7 @@ public:
     /// Removes the element at `iIndex` and deletes it, whoever owns it.
     /// \throws std::out_of_range outside the array
     bool Destroy(int iIndex) {
-        std::size_t const uOffset = uChecked(iIndex);
-        std::unique_ptr<T> const pElement(tQueue[uOffset]);
-        tQueue.Erase(uOffset);
+        DestroyAt(uChecked(iIndex));
         return true;
     }
     /// Removes the first element that equals `*pValue` without deleting it, whoever owns it.
@@ -279,18 +277,16 @@ public:
     }
     /// Removes the first element that equals `*pValue` and deletes it, whoever owns it.
     bool DestroyValue(T const * pValue) {
-        std::size_t const uOffset = uFind(pValue);
-        if (uOffset == tQueue.uGetCount()) return true;
-        std::unique_ptr<T> const pElement(tQueue[uOffset]);
-        tQueue.Erase(uOffset);
+        if (std::size_t const uOffset = uFind(pValue); uOffset < tQueue.uGetCount()) DestroyAt(uOffset);
         return true;
     }
     /// Removes all elements, and deletes them when the array owns them.
     void Flush() noexcept {
-        TPointerQueue<T> const tOld(std::move(tQueue));
-        if (!OwnsElements()) return;
-        for (T * const pElement : tOld)
-            delete pElement;
+        if (OwnsElements()) {
+            for (T * const pElement : tQueue)
+                delete pElement;
+        }
+        tQueue.Clear();
     }
 
     /// The index of the first element that equals `*pValue`, 2147483647 when there is none.
@@ -344,6 +340,11 @@ protected:
     TPointerQueue<T> tQueue;
 
 private:
+    /// An element is in the array until it is gone.
+    void DestroyAt(std::size_t uOffset) noexcept {
+        delete tQueue[uOffset];
+        tQueue.Erase(uOffset);
+    }
     [[nodiscard]] std::size_t uFind(T const * pValue) const {
         auto const fEquals = [pValue](T const * pElement) {
             return pElement == pValue || (pElement != nullptr && pValue != nullptr && *pElement == *pValue);

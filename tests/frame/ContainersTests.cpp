@@ -321,6 +321,24 @@ TEST(TIArrayAsVector, DestroyDeletesWhoeverOwnsAndDetachNever) {
     }
 }
 
+TEST(TIArrayAsVector, AnElementIsInTheArrayUntilItIsGone) {
+    struct TAsking {
+        TAsking(TIArrayAsVector<TAsking> & tHome_, std::vector<int> & tCounts_) : tHome(tHome_), tCounts(tCounts_) {}
+        ~TAsking() { tCounts.push_back(tHome.GetItemsInContainer()); }
+        bool operator==(TAsking const &) const { return true; }
+        TIArrayAsVector<TAsking> & tHome;
+        std::vector<int> & tCounts;
+    };
+    std::vector<int> tCounts;
+    TIArrayAsVector<TAsking> tHome(0);
+    for (int i = 0; i < 5; ++i)
+        tHome.Add(new TAsking(tHome, tCounts));
+    tHome.Destroy(0);
+    tHome.DestroyValue(tHome[0]);
+    tHome.Flush();
+    EXPECT_EQ(tCounts, (std::vector<int>{5, 4, 3, 3, 3}));
+}
+
 TEST(TIArrayAsVector, RemovalOutsideTheArrayThrows) {
     std::vector<int> tDeleted;
     TProbes tProbes(0, 5);

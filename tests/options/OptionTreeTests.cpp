@@ -266,6 +266,13 @@ TEST(TOptionElement, ArraysCanBeUsedDirectly) {
     tRoot.pElements->Flush();
     EXPECT_EQ(sDeaths.size(), 3u);
     EXPECT_EQ(tRoot.iCountElements(), 0);
+
+    for (int i = 0; i < 1000; ++i)
+        tRoot.pAddAttribute(std::to_wstring(i), L"");
+    tRoot.pAttributes->Destroy(500);
+    EXPECT_EQ(tRoot.pGetAttribute(L"500"), nullptr);
+    tRoot.pAttributes->Flush();
+    EXPECT_EQ(tRoot.iCountAttributes(), 0);
 }
 
 TEST(TOptionElement, MoveTakesAllAndLeavesTheOldOwners) {
