@@ -13,7 +13,7 @@ constexpr bool fFromHeap = true;
 #endif
 
 // A slab is found by the address of a block: it begins at a multiple of its size.
-constexpr std::size_t uSlabSize = 256 * 1024;
+constexpr std::size_t uSlabSize = std::size_t{256} * 1024;
 
 /// Null where the system has no memory left.
 void * pMapSlab() noexcept {
