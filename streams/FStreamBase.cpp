@@ -206,8 +206,12 @@ void TFStreamBase::WriteDataInternal(void const * pSource, unsigned long dwCount
         auto const * pFrom = static_cast<unsigned char const *>(pSource);
         while (dwCount != 0) {
             if (pBlob->dwUsed >= pBlob->dwCapacity) BufFlush();
+            // It has room behind the used part, so at the position too, which is never beyond that.
             unsigned long const dwPiece = std::min(dwCount, pBlob->dwCapacity - pBlob->dwUsed);
-            pBlob->Put(pFrom, dwPiece);
+            CopyBytes(pBlob->pGetDataAtPos(), pFrom, dwPiece);
+            pBlob->dwPos += dwPiece;
+            pBlob->dwUsed = std::max(pBlob->dwUsed, pBlob->dwPos);
+            pBlob->fDirty = true;
             pFrom += dwPiece;
             dwCount -= dwPiece;
         }

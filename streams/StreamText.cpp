@@ -205,6 +205,7 @@ void TStreamBase::ReadString(std::wstring & sText) {
     TTextCollector tText;
     while (!fIsEoF()) {
         dwCollectRun(tText, ULONG_MAX, 0, 0);
+        if (fPassZeroByte()) break;
         if (fIsEoF()) break;
         wchar_t c = 0;
         ReadCharInternal(c, true);
@@ -239,8 +240,12 @@ void TStreamBase::ReadStringForPascal(std::wstring & sText, unsigned long dwByte
     TTextCollector tText;
     while (dwBytes != 0) {
         if (fIsEoF()) throw TXZkTools(IDS_READ_PAST_END);
-        dwBytes -= dwCollectRun(tText, dwBytes, 0, 0);
+        dwBytes -= dwCollectCounted(tText, dwBytes);
         if (dwBytes == 0) break;
+        if (fPassZeroByte()) { // passed over, not stored
+            --dwBytes;
+            continue;
+        }
         wchar_t c = 0;
         unsigned int const uTaken = PeekCharInternal(c, true);
         AdvanceBlock(uTaken);
@@ -249,6 +254,30 @@ void TStreamBase::ReadStringForPascal(std::wstring & sText, unsigned long dwByte
         dwBytes -= uTaken;
     }
     tText.MoveTo(sText);
+}
+
+/// Takes a run of at most so many bytes. Most texts end at their zero, so that the first try is made without the limit,
+/// which is faster.
+unsigned long TStreamBase::dwCollectCounted(TTextCollector & tText, unsigned long dwMostBytes) {
+    wchar_t * const pRoom = tText.pGetRoom();
+    unsigned long dwLeft = ULONG_MAX;
+    unsigned long dwUnits = dwReadRun(pRoom, tText.dwGetRoom(), dwLeft, 0, 0);
+    unsigned long dwTaken = ULONG_MAX - dwLeft;
+    if (dwTaken > dwMostBytes) {
+        pBlob->dwPos -= dwTaken;
+        dwLeft = dwMostBytes;
+        dwUnits = dwReadRun(pRoom, tText.dwGetRoom(), dwLeft, 0, 0);
+        dwTaken = dwMostBytes - dwLeft;
+    }
+    tText.Advance(dwUnits);
+    return dwTaken;
+}
+
+/// Passes over a zero byte, which is the character 0 in every multi-byte code page.
+bool TStreamBase::fPassZeroByte() {
+    bool const fThere = !fIsUtf16() && pBlob->dwPos < pBlob->dwUsed && *pBlob->pGetDataAtPos() == 0;
+    if (fThere) ++pBlob->dwPos;
+    return fThere;
 }
 
 void TStreamBase::ReadPascalString(std::wstring & sText) {

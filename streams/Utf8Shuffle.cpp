@@ -38,6 +38,8 @@ struct TTables {
     /// By one bit for each of eight units: the shuffle that drops those, and how many it keeps.
     std::array<std::array<std::uint8_t, 16>, 256> aauDrop;
     std::array<std::uint8_t, 256> auKept;
+    /// By one bit for each of eight units: the shuffle that keeps the upper byte of those only.
+    std::array<std::array<std::uint8_t, 16>, 256> aauKeepUpper;
 };
 constexpr std::uint8_t uNone = 0xFF;
 
@@ -90,6 +92,14 @@ constexpr TTables tMakeTables() {
             std::size_t const uTo = 2u * t.auKept[uDropped]++;
             t.aauDrop[uDropped][uTo] = static_cast<std::uint8_t>(2 * uUnit);
             t.aauDrop[uDropped][uTo + 1] = static_cast<std::uint8_t>(2 * uUnit + 1);
+        }
+    }
+    for (std::size_t uWide = 0; uWide < t.aauKeepUpper.size(); ++uWide) {
+        t.aauKeepUpper[uWide].fill(0x80);
+        std::size_t uTo = 0;
+        for (std::size_t uUnit = 0; uUnit < 8; ++uUnit) {
+            t.aauKeepUpper[uWide][uTo++] = static_cast<std::uint8_t>(2 * uUnit);
+            if ((uWide >> uUnit & 1) != 0) t.aauKeepUpper[uWide][uTo++] = static_cast<std::uint8_t>(2 * uUnit + 1);
         }
     }
     return t;
@@ -233,20 +243,32 @@ ZK_SHUFFLE_CODE void EncodeFour(__m128i tUnits, char *& pOut) noexcept {
     pOut += tPattern.uBytes;
 }
 
+/// Encodes eight units below 0x800.
+ZK_SHUFFLE_CODE void EncodeEightOfTwo(__m128i tUnits, char *& pOut) noexcept {
+    __m128i const tAboveOne = _mm_cmpgt_epi16(tUnits, _mm_set1_epi16(0x7F));
+    __m128i const tLast = _mm_slli_epi16(_mm_and_si128(tUnits, _mm_set1_epi16(0x3F)), 8);
+    __m128i const tTwo =
+        _mm_or_si128(_mm_set1_epi16(static_cast<short>(0x80C0)), _mm_or_si128(_mm_srli_epi16(tUnits, 6), tLast));
+    __m128i const tBytes = _mm_or_si128(_mm_and_si128(tAboveOne, tTwo), _mm_andnot_si128(tAboveOne, tUnits));
+    auto const uWide = static_cast<unsigned int>(_mm_movemask_epi8(_mm_packs_epi16(tAboveOne, _mm_setzero_si128())));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tBytes, tLoad(tTables.aauKeepUpper[uWide])));
+    pOut += 16 - tTables.auKept[uWide];
+}
+
 ZK_SHUFFLE_CODE void EncodeEights(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept {
     __m128i const tZero = _mm_setzero_si128();
+    __m128i const tTopBits = _mm_set1_epi16(static_cast<short>(0xF800));
+    __m128i const tHalf = _mm_set1_epi16(static_cast<short>(0xD800));
     wchar_t const * p = pFrom;
     char * pOut = pTo;
     for (; pEnd - p >= 8; p += 8) {
         __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-        __m128i const tAbove = _mm_and_si128(tUnits, _mm_set1_epi16(static_cast<short>(0xFF80)));
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(tAbove, tZero)) == 0xFFFF) {
-            _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tUnits, tUnits));
-            pOut += 8;
+        __m128i const tTop = _mm_and_si128(tUnits, tTopBits);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, tZero)) == 0xFFFF) {
+            EncodeEightOfTwo(tUnits, pOut);
             continue;
         }
-        __m128i const tTop = _mm_and_si128(tUnits, _mm_set1_epi16(static_cast<short>(0xF800)));
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, _mm_set1_epi16(static_cast<short>(0xD800)))) != 0) break;
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, tHalf)) != 0) break;
         EncodeFour(_mm_unpacklo_epi16(tUnits, tZero), pOut);
         EncodeFour(_mm_unpackhi_epi16(tUnits, tZero), pOut);
     }

@@ -292,6 +292,8 @@ private:
     int iGetEncodedSize(wchar_t const * pText, int iCount) const;
     int iEncode(wchar_t const * pText, int iCount);
     int iEncodeAsUtf8(wchar_t const * pText, std::size_t uUnits);
+    unsigned long dwCollectCounted(TTextCollector & tText, unsigned long dwMostBytes);
+    bool fPassZeroByte();
     unsigned long dwReadRun(wchar_t * pTarget, unsigned long dwRoom, unsigned long & dwMostBytes, wchar_t cStop1,
                             wchar_t cStop2);
     void AdvanceBlock(unsigned long dwCount);
