@@ -1035,13 +1035,13 @@ TEST(SFormatCurrent, IsTheLocalClock) {
         std::wcsftime(acText.data(), acText.size(), pzFormat, _localtime64(&iNow));
         return wstring(acText.data());
     };
-    for (bool fSame = false; !fSame;) { // the clock may move on in between
+    for (bool fStood = false; !fStood;) { // the clock may move on in between
         wstring const sDate = sClock(L"%Y-%m-%d");
         wstring const sTime = sClock(L"%H:%M:%S");
         wstring const sCurrentDate = sFormatCurrentDate(edfIso, nullptr);
         wstring const sCurrentTime = sFormatCurrentTime(etfIso, nullptr);
-        fSame = sTime == sClock(L"%H:%M:%S");
-        if (!fSame) continue;
+        fStood = sTime == sClock(L"%H:%M:%S");
+        if (!fStood) continue;
         EXPECT_EQ(sCurrentDate, sDate);
         EXPECT_EQ(sCurrentTime, sTime);
     }

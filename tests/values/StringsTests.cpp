@@ -2,6 +2,7 @@
 
 #include "ZkBase/Windows.h"
 #include "tests/support/SystemCall.h"
+#include "tests/values/NumberMachine.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,7 @@ namespace {
 
 using std::wstring;
 using testing::PrintToString;
+using zk_test::TNumberMachine;
 using zk_test::TSystemCall;
 
 constexpr unsigned long dwUnbounded = 0xFFFFFFFF;
@@ -375,42 +377,14 @@ TEST(INumericStringCompare, TakesNumbersOfAnyLength) {
 
 namespace {
 
-/// The reading of numbers as a machine over classes of characters, for comparison.
-struct TMachine {
-    bool fNumber = false;
-    bool fNegative = false;
-    wstring sInteger, sFraction;
-
-    explicit TMachine(wstring const & sText) {
-        enum { eSign = 1, eDigit = 2, ePoint = 4, eNothingYet = 8 };
-        std::size_t u = 0;
-        while (u < sText.size() && std::iswspace(sText[u]))
-            ++u;
-        while (u + 1 < sText.size() && sText[u] == L'0' && std::iswdigit(sText[u + 1]))
-            ++u;
-        int iMask = eSign | eDigit | ePoint | eNothingYet;
-        wstring * psDigits = &sInteger;
-        for (; u < sText.size() && !std::iswspace(sText[u]); ++u) {
-            wchar_t const c = sText[u];
-            int const iClass = c == L'-' || c == L'+' ? eSign : c == L'.' ? ePoint : std::iswdigit(c) ? eDigit : 0;
-            if ((iClass & iMask) == 0) return;
-            if (c == L'-') fNegative = true;
-            if (iClass == ePoint) psDigits = &sFraction;
-            if (iClass == eDigit) *psDigits += c;
-            iMask = iClass == ePoint || psDigits == &sFraction ? eDigit : eDigit | ePoint;
-        }
-        fNumber = (iMask & eNothingYet) == 0;
-    }
-};
-
 int iCompareDigits(wstring const & s1, wstring const & s2) {
     if (s1.size() != s2.size()) return s1.size() < s2.size() ? -1 : 1;
     return iSign(s1.compare(s2));
 }
 
 int iCompareByMachine(wstring const & s1, wstring const & s2) {
-    TMachine const t1(s1);
-    TMachine const t2(s2);
+    TNumberMachine const t1(s1);
+    TNumberMachine const t2(s2);
     if (t1.fNumber && t2.fNumber) {
         if (t1.fNegative != t2.fNegative) return t1.fNegative ? -1 : 1;
         int const iInteger = iCompareDigits(t1.sInteger, t2.sInteger);
