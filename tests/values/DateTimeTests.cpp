@@ -1101,11 +1101,11 @@ TEST(PlainDate, IsPrintedWithoutPadding) {
     EXPECT_EQ(sGetDate(tFields(2024, 12, 31)), L"2024-12-31");
     EXPECT_EQ(sGetDate(tm{}), L"1900-1-0");
     EXPECT_EQ(sGetDate(tFields(-5, 0, -3)), L"-5-0--3");
-    tm tWide{};
-    tWide.tm_year = INT_MAX;
-    tWide.tm_mon = INT_MAX;
-    tWide.tm_mday = INT_MIN;
-    EXPECT_EQ(sGetDate(tWide), L"-2147481749--2147483648--2147483648");
+    tm tExtreme{};
+    tExtreme.tm_year = INT_MAX;
+    tExtreme.tm_mon = INT_MAX;
+    tExtreme.tm_mday = INT_MIN;
+    EXPECT_EQ(sGetDate(tExtreme), L"-2147481749--2147483648--2147483648");
 }
 
 TEST(PlainDate, IsReadWithoutChecks) {
