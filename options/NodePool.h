@@ -34,7 +34,7 @@ private:
 
     std::size_t const uBlockSize;
     std::atomic_flag tBusy;
-    TSlab * pOpen = nullptr;   // the slabs that have a free block
-    std::uint32_t uEmpty = 0;  // how many of them have no other
+    TSlab * pOpen = nullptr;    // the slabs that have a free block
+    std::uint32_t uEmpty = 0;   // how many of them have no other
     std::uint32_t uToKeep = 16; // so many empty slabs wait for the next tree
 };
