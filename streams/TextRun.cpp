@@ -109,14 +109,15 @@ bool fTakeUtf8(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t
     return fPlain;
 }
 
-/// The same for any encoding.
+/// Decodes some characters in any encoding, so many that a new look at pieces of ASCII is worth it. False when it ended
+/// at what needs care.
 template <typename TDecode>
-bool fTakeMultiByte(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo, wchar_t const * pOutEnd,
-                    TStops tStops, TDecode cDecode) {
+bool fTakeSome(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo, wchar_t const * pOutEnd,
+               TStops tStops, TDecode cDecode) {
     unsigned char const * p = pFrom;
     wchar_t * pOut = pTo;
     bool fPlain = true;
-    while (p != pEnd && pOut != pOutEnd && *p >= 0x80) {
+    for (int i = 0; i < 16 && p != pEnd && pOut != pOutEnd; ++i) {
         unsigned int uLength = 1;
         wchar_t const c = cDecode(p, static_cast<std::size_t>(pEnd - p), uLength);
         fPlain = !tStops.fIsStop(c);
@@ -165,7 +166,7 @@ TRunEnd tTableRun(unsigned char const * p, unsigned char const * pEnd, wchar_t *
     };
     if (!tTable.fIsAscii() || !tStops.fAreAscii()) return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecode);
     return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecode, [=](unsigned char const *& pAt, wchar_t *& pTo) {
-        return fTakeMultiByte(pAt, pEnd, pTo, pOutEnd, tStops, cDecode);
+        return fTakeSome(pAt, pEnd, pTo, pOutEnd, tStops, cDecode);
     });
 }
 
