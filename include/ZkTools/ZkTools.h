@@ -10,6 +10,7 @@
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/FileStream.h"
 #include "ZkTools/Files.h"
+#include "ZkTools/Jobs.h"
 #include "ZkTools/Library.h"
 #include "ZkTools/Locks.h"
 #include "ZkTools/MessageIds.h"
