@@ -18,5 +18,6 @@
 #include "ZkTools/OptionTree.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/PointerQueue.h"
+#include "ZkTools/Search.h"
 #include "ZkTools/Stream.h"
 #include "ZkTools/Strings.h"
