@@ -7,6 +7,7 @@
 #include "ZkTools/Containers.h"
 #include "ZkTools/DateTime.h"
 #include "ZkTools/DecimalValue.h"
+#include "ZkTools/DefaultValue.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/FileStream.h"
 #include "ZkTools/Files.h"
