@@ -19,6 +19,7 @@
 #include "ZkTools/OptionTree.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/PointerQueue.h"
+#include "ZkTools/ProfileSection.h"
 #include "ZkTools/Search.h"
 #include "ZkTools/Stream.h"
 #include "ZkTools/Strings.h"

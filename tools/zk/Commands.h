@@ -13,8 +13,9 @@ extern TCommand const tAliasCommand;
 extern TCommand const tDecimalCommand;
 extern TCommand const tDateCommand;
 extern TCommand const tSortCommand;
+extern TCommand const tProfileCommand;
 
 inline constexpr std::array pCommands{
-    &tStoreCommand, &tShowCommand,    &tHoldCommand, &tWhoCommand,
-    &tAliasCommand, &tDecimalCommand, &tDateCommand, &tSortCommand,
+    &tStoreCommand,   &tShowCommand, &tHoldCommand, &tWhoCommand,     &tAliasCommand,
+    &tDecimalCommand, &tDateCommand, &tSortCommand, &tProfileCommand,
 };
