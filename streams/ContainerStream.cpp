@@ -1,6 +1,8 @@
 // What arrays and sets are on a stream.
 #include "ZkTools/Containers.h"
 
+#include "ZkTools/Exceptions.h"
+#include "ZkTools/MessageIds.h"
 #include "ZkTools/Stream.h"
 
 void TZkStringArray::Read(TStreamBase & tStream) {
@@ -9,6 +11,8 @@ void TZkStringArray::Read(TStreamBase & tStream) {
     tStream.Read(iCount);
     std::wstring sText;
     for (int i = 0; i < iCount; ++i) {
+        // Behind its end a file stream reads empty strings without a word, by a damaged count for ever.
+        if (tStream.fIsEoF()) throw TXZkTools(IDS_READ_PAST_END);
         tStream.ReadPascalStringInt16(sText);
         Add(sText);
     }

@@ -195,7 +195,7 @@ public:
     }
 
     [[nodiscard]] int GetItemsInContainer() const noexcept { return TBase::iGetCapped(uGetCount()); }
-    [[nodiscard]] bool IsEmpty() const noexcept { return !pQueue; }
+    [[nodiscard]] bool IsEmpty() const noexcept { return uGetCount() == 0; }
 
 private:
     [[nodiscard]] std::size_t uGetCount() const noexcept { return pQueue ? pQueue->size() : 0; }
@@ -211,7 +211,7 @@ private:
         return *pQueue;
     }
 
-    std::unique_ptr<TQueue> pQueue; // null while the array is empty
+    std::unique_ptr<TQueue> pQueue; // null: there are no elements
 };
 
 /// An array of pointers, which owns what they point at unless it is told otherwise.
@@ -374,7 +374,9 @@ public:
     [[nodiscard]] bool operator==(TZkStringArray const & tOther) const noexcept;
 
     /// Replaces the strings by those of the stream: a 4-byte count, then each behind a 2-byte count
-    /// (`TStreamBase::ReadPascalStringInt16`). After a failure of the stream the array holds what was read before it.
+    /// (`TStreamBase::ReadPascalStringInt16`). After a failure the array holds what was read before it.
+    /// \throws TXZkTools 4291 where the stream ends in front of one of the strings, also a file stream, and as the
+    /// stream does
     void Read(TStreamBase & tStream);
     void Write(TStreamBase & tStream) const;
 

@@ -1,8 +1,11 @@
 #include "ZkTools/Containers.h"
 
 #include "ZkTools/Exceptions.h"
+#include "ZkTools/FileStream.h"
+#include "ZkTools/MessageIds.h"
 #include "ZkTools/Stream.h"
 #include "tests/support/SystemCall.h"
+#include "tests/support/TempDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +14,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <new>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -261,6 +265,19 @@ TEST(TArrayAsVector, FirstThatAndLastThatSearchFromTheirEnd) {
     TArrayAsVector<wstring> tEmpty(0);
     EXPECT_EQ(tEmpty.FirstThat(fHasLength, &uLength), nullptr);
     EXPECT_EQ(tEmpty.LastThat(fHasLength, &uLength), nullptr);
+}
+
+TEST(TArrayAsVector, IsEmptyWhenItsFirstElementCannotBeCopied) {
+    struct TStubborn {
+        TStubborn() = default;
+        TStubborn(TStubborn const &) { throw std::bad_alloc(); }
+    };
+    TArrayAsVector<TStubborn> tArray(0);
+    EXPECT_THROW(tArray.Add(TStubborn()), std::bad_alloc);
+    EXPECT_THROW(tArray.AddAt(TStubborn(), 0), std::bad_alloc);
+    EXPECT_EQ(tArray.GetItemsInContainer(), 0);
+    EXPECT_TRUE(tArray.IsEmpty());
+    tArray.Flush();
 }
 
 TEST(TArrayAsVector, SetDataAssigns) {
@@ -585,6 +602,48 @@ TEST(TZkStringArray, ReadsWhatThereIsBeforeAFailure) {
     EXPECT_TRUE(tRead.IsEmpty());
 }
 
+TEST(TZkStringArray, CutAtEveryByteHoldsTheStringsInFront) {
+    TZkStringArray tArray;
+    for (wchar_t const * const pz : {L"ab", L"", L"c"}) // up to byte 9, 12 and 16
+        tArray.Add(pz);
+    TStreamBase tWhole(ecpWestern);
+    tArray.Write(tWhole);
+    std::string const sWhole = sGetBytes(tWhole);
+    ASSERT_EQ(sWhole.size(), 16u);
+    zk_test::TTempDirectory const tDirectory;
+    for (unsigned int uLength = 1; uLength < sWhole.size(); ++uLength) {
+        auto const ExpectCut = [&](TStreamBase & tStream) {
+            TZkStringArray tRead;
+            tRead.Add(L"old");
+            try {
+                tRead.Read(tStream);
+                ADD_FAILURE() << uLength;
+            } catch (TXZkTools const & tError) {
+                EXPECT_EQ(tError.iGetNumber(), IDS_READ_PAST_END);
+            }
+            std::vector<wstring> sInFront{L"ab", L""};
+            sInFront.resize(uLength >= 12 ? 2 : uLength >= 9 ? 1 : 0);
+            EXPECT_EQ(sGetAll(tRead), sInFront) << uLength;
+        };
+        TStreamBase tStream(sWhole.data(), uLength, ecpWestern);
+        ExpectCut(tStream);
+        TFStream tFile(tDirectory.sWrite(L"cut", sWhole.substr(0, uLength)), ecpWestern, FS_BINARY);
+        ExpectCut(tFile);
+    }
+    // A file without a byte reads as a count of 0.
+    TFStream tFile(tDirectory.sWrite(L"cut", ""), ecpWestern, FS_BINARY);
+    tArray.Read(tFile);
+    EXPECT_TRUE(tArray.IsEmpty());
+}
+
+TEST(TZkStringArray, ADamagedCountEndsWithTheFile) {
+    zk_test::TTempDirectory const tDirectory;
+    TFStream tFile(tDirectory.sWrite(L"damaged", "\xFF\xFF\xFF\x7F\x02\0a\0"s), ecpWestern, FS_BINARY);
+    TZkStringArray tArray;
+    EXPECT_THROW(tArray.Read(tFile), TXZkTools);
+    EXPECT_EQ(sGetAll(tArray), (std::vector<wstring>{L"a"}));
+}
+
 namespace {
 
 TZkBitSet tMakeSet(std::vector<int> const & iItems) {
@@ -731,9 +790,11 @@ TEST(TZkBitSet, ReadsItsBytesBack) {
     tRead.Read(tStream);
     EXPECT_TRUE(tRead == tSet);
     EXPECT_EQ(tStream.dwGetPos(), 32u);
-    tStream.SetPos(33);
-    EXPECT_THROW(tRead.Read(tStream), TXZkTools);
-    EXPECT_TRUE(tRead == tSet);
+    for (unsigned long dwPos = 33; dwPos <= 64; ++dwPos) {
+        tStream.SetPos(dwPos);
+        EXPECT_THROW(tRead.Read(tStream), TXZkTools) << dwPos;
+        EXPECT_TRUE(tRead == tSet) << dwPos;
+    }
 }
 
 #ifdef __MINGW32__
