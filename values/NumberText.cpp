@@ -44,7 +44,9 @@ bool fReadNumber(std::wstring_view sText, TNumberText & tNumber) noexcept {
         tNumber.sFraction = sTakeDigits(sText);
     }
     // The text began with something else than white space, so that white space here means that something was taken.
-    return sText.empty() || std::iswspace(sText.front());
+    if (sText.empty() || std::iswspace(sText.front())) return true;
+    tNumber.fNegative = tNumber.fNegative || sText.front() == L'-'; // a minus counts where it may not stand, too
+    return false;
 }
 
 int iCompareNumbers(TNumberText const & tFirst, TNumberText const & tSecond) noexcept {

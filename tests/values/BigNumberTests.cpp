@@ -22,6 +22,13 @@ TBigNumber tNumber(wstring const & sText) {
     return TBigNumber(sText);
 }
 
+/// The negative flag, which stands in the second byte. A bad number has one, too.
+bool fIsNegative(TBigNumber const & tNumber) {
+    std::array<unsigned char, sizeof tNumber> auBytes;
+    std::memcpy(auBytes.data(), &tNumber, sizeof tNumber);
+    return auBytes[1] != 0;
+}
+
 /// A bad number compares below itself.
 bool fIsBad(TBigNumber const & tNumber) {
     return tNumber.iCompare(tNumber) == -1;
@@ -94,9 +101,13 @@ TEST(TBigNumber, RefusesWhatIsNoNumber) {
     }
 }
 
-TEST(TBigNumber, KeepsTheDigitsReadInFrontOfABadCharacter) {
+TEST(TBigNumber, KeepsSignAndDigitsReadInFrontOfABadCharacter) {
     EXPECT_TRUE(tNumber(L"1.5x").fHasFractionDigits());
     EXPECT_FALSE(tNumber(L"1x.5").fHasFractionDigits());
+    for (wchar_t const * const pzText : {L"-x", L"--", L"5-", L"+-5", L"1.-"}) // a minus is one before it is bad
+        EXPECT_TRUE(fIsNegative(tNumber(pzText))) << PrintToString(pzText);
+    for (wchar_t const * const pzText : {L"x-", L"5x-", L"++-", L"+5+"})
+        EXPECT_FALSE(fIsNegative(tNumber(pzText))) << PrintToString(pzText);
 }
 
 TEST(TBigNumber, Has49DigitsOnEachSide) {
@@ -194,6 +205,7 @@ TEST(TBigNumber, ReadsRandomTextAsTheMachineDoes) {
         TBigNumber const tValue = tNumber(sText);
         ASSERT_EQ(fIsBad(tValue), !tExpected.fNumber) << PrintToString(sText);
         ASSERT_EQ(tValue.fHasFractionDigits(), !tExpected.sFraction.empty()) << PrintToString(sText);
+        ASSERT_EQ(fIsNegative(tValue), tExpected.fNegative) << PrintToString(sText);
         wstring sPrinted;
         if (tExpected.fNumber) {
             ++iGood;

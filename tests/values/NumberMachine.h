@@ -24,8 +24,8 @@ struct TNumberMachine {
         for (; u < sText.size() && !std::iswspace(sText[u]); ++u) {
             wchar_t const c = sText[u];
             int const iClass = c == L'-' || c == L'+' ? eSign : c == L'.' ? ePoint : std::iswdigit(c) ? eDigit : 0;
-            if ((iClass & iMask) == 0) return;
             if (c == L'-') fNegative = true;
+            if ((iClass & iMask) == 0) return;
             if (iClass == ePoint) psDigits = &sFraction;
             if (iClass == eDigit) *psDigits += c;
             iMask = iClass == ePoint || psDigits == &sFraction ? eDigit : eDigit | ePoint;
