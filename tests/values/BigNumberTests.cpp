@@ -92,8 +92,8 @@ TEST(TBigNumber, ReadsAndPrints) {
 
 TEST(TBigNumber, RefusesWhatIsNoNumber) {
     for (wstring const & sText :
-         {L""s,   L" "s,   L"\t\n"s, L"a"s,   L"1a"s,  L"1-"s,     L"1+2"s,    L"--1"s, L"+-1"s, L"1.2.3"s,
-          L".."s, L"1,5"s, L"0-5"s,  L"0x1"s, L"1e5"s, L"\u0661"s, L"\uFF11"s, L"1\0"s, L"-a"s,  L"00a"s}) {
+         {L""s,    L" "s,   L"\t\n"s, L"a"s,   L"1a"s,     L"1-"s,     L"1+2"s, L"--1"s, L"+-1"s, L"1.2.3"s, L".."s,
+          L"1,5"s, L"0-5"s, L"0x1"s,  L"1e5"s, L"\u0661"s, L"\uFF11"s, L"1\0"s, L"1:"s,  L"1/"s,  L"-a"s,    L"00a"s}) {
         TBigNumber const tValue = tNumber(sText);
         EXPECT_TRUE(fIsBad(tValue)) << PrintToString(sText);
         EXPECT_EQ(tValue.sGetString(), L"") << PrintToString(sText);

@@ -2,10 +2,12 @@
 
 #include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Exceptions.h"
+#include "ZkTools/FileStream.h"
 #include "ZkTools/Stream.h"
 #include "tests/support/Compound.h"
 #include "tests/support/Narrow.h"
 #include "tests/support/SystemCall.h"
+#include "tests/support/TempDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -271,6 +273,20 @@ TEST(TStructTmStream, ACutRecordKeepsWhatWasRead) {
         for (unsigned int u = 0; u < aiExpected.size(); ++u)
             aiExpected[u] = u < dwLength / 2 ? static_cast<int>(u) + 1 : -1;
         EXPECT_EQ(std::memcmp(&tRead, aiExpected.data(), sizeof tRead), 0) << dwLength;
+    }
+}
+
+// A file stream ends quietly: what is missing reads as zeros.
+TEST(TStructTmStream, ACutFileReadsAsZeros) {
+    zk_test::TTempDirectory const tDirectory;
+    for (std::size_t uLength = 0; uLength <= sRecord.size(); ++uLength) {
+        TFStream tFile(tDirectory.sWrite(L"cut", sRecord.substr(0, uLength)), ecpWestern, FS_BINARY);
+        TStructTm tRead(tm{-1, -1, -1, -1, -1, -1, -1, -1, -1});
+        tRead.Read(tFile);
+        std::array<int, 9> aiExpected{};
+        for (unsigned int u = 0; u < aiExpected.size() && 2 * u < uLength; ++u)
+            aiExpected[u] = static_cast<int>(u) + 1; // half a field is its lower half
+        EXPECT_EQ(std::memcmp(&tRead, aiExpected.data(), sizeof tRead), 0) << uLength;
     }
 }
 

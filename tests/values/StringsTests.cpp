@@ -94,6 +94,32 @@ TEST(PzRemoveSpaces, ClosesEveryGap) {
     EXPECT_EQ(pzRemoveSpaces(nullptr), nullptr);
 }
 
+TEST(PzFunctions, DoWithRandomTextWhatStringsDo) {
+    std::mt19937 tRandom(8);
+    for (int i = 0; i < 100'000; ++i) {
+        wstring const sText = sRandom(tRandom, L"  ab\t", 8);
+        int const iLen = static_cast<int>(tRandom() % 10);
+        std::array<wchar_t, 12> acBuffer{};
+        auto const sDone = [&](wchar_t * (*pFunction)(wchar_t *)) {
+            sText.copy(acBuffer.data(), sText.size());
+            acBuffer[sText.size()] = L'\0';
+            return wstring(pFunction(acBuffer.data()));
+        };
+        ASSERT_EQ(sDone(&pzStrip), sText.substr(0, sText.find_last_not_of(L' ') + 1)) << PrintToString(sText);
+        wstring sWithout = sText;
+        std::erase(sWithout, L' ');
+        ASSERT_EQ(sDone(&pzRemoveSpaces), sWithout) << PrintToString(sText);
+
+        sText.copy(acBuffer.data(), sText.size());
+        acBuffer[sText.size()] = L'\0';
+        wstring sFilled = sText;
+        sFilled.resize(std::max<std::size_t>(sText.size(), static_cast<std::size_t>(iLen)), L'+');
+        ASSERT_EQ(pzStrNFill(acBuffer.data(), iLen, L'+'), sFilled) << PrintToString(sText) << iLen;
+        wstring sCopied = sText.substr(0, static_cast<std::size_t>(iLen));
+        ASSERT_EQ(pzStrNCpy(acBuffer.data(), sText.c_str(), iLen), sCopied) << PrintToString(sText) << iLen;
+    }
+}
+
 TEST(PzStrNCpy, FillsWithZerosAndTerminates) {
     std::array<wchar_t, 7> acBuffer;
     acBuffer.fill(L'#');
@@ -624,6 +650,27 @@ TEST(SaveXmlText, ReadsFromTheReadPositionToTheWritePosition) {
     EXPECT_EQ(sOut, L"b cd");
 }
 
+/// Character by character, as the text comes out of the stream.
+TEST(SaveXmlText, TakesRandomTextAsCharacterByCharacter) {
+    std::mt19937 tRandom(9);
+    for (int i = 0; i < 100'000; ++i) {
+        wstring const sText = sRandom(tRandom, L" \t\r\n\nab", 8);
+        bool const fStrip = tRandom() % 2 == 0;
+        wstring sExpected = L"x ";
+        wchar_t cBefore = L'\0';
+        bool fBegun = false;
+        for (wchar_t const c : sText) {
+            fBegun = fBegun || !std::iswspace(c);
+            if (!fBegun) continue;
+            sExpected += c == L'\n' && cBefore != L'\r' ? L"\r\n" : wstring(1, c);
+            cBefore = c;
+        }
+        while (fBegun && fStrip && std::iswspace(sExpected.back()))
+            sExpected.pop_back();
+        ASSERT_EQ(sSave(sText, fStrip, L"x "), sExpected) << PrintToString(sText);
+    }
+}
+
 TEST(SaveXmlText, TakesALongText) {
     wstring sText;
     for (int i = 0; i < 100'000; ++i)
@@ -652,9 +699,11 @@ TEST(SGetStringListText, JoinsWithoutDelimitersAtTheEnds) {
 
 TEST(SGetStringListText, IsTheInverseOfSplitting) {
     std::mt19937 tRandom(6);
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 100'000; ++i) {
         wstring const sText = sRandom(tRandom, L"a,b", 6);
-        EXPECT_EQ(sGetStringListText(SplitString(sText, L','), L','), sText);
+        std::vector<wstring> const sPieces = SplitString(sText, L',');
+        ASSERT_EQ(sPieces.size(), sText.empty() ? 0u : std::ranges::count(sText, L',') + 1u) << PrintToString(sText);
+        ASSERT_EQ(sGetStringListText(sPieces, L','), sText);
     }
 }
 
