@@ -60,6 +60,7 @@ TCodePageTable::TCodePageTable(unsigned short uCodePage_) : uCodePage(uCodePage_
         afLead[u] = CharNextExA(uCodePage, acBytes, 0) - acBytes != 1;
         if (!afLead[u]) acSingle[u] = cConvert(uCodePage, acBytes, 1);
         if (u < 0x80 && acSingle[u] != u) fAscii = false;
+        if (afLead[u] || (u >= 0x80 && acSingle[u] != 0 && acSingle[u] < 0x80)) fByteByByte = false;
     }
 }
 

@@ -20,6 +20,12 @@ public:
     /// True when the bytes 1 to 127 are characters of their own, the units of the same values.
     [[nodiscard]] bool fIsAscii() const noexcept { return fAscii; }
 
+    /// True when no character takes two bytes, and no byte above 127 gives ASCII.
+    [[nodiscard]] bool fIsByteByByte() const noexcept { return fByteByByte; }
+
+    /// The unit of a byte that stands for itself; 0 when it is none.
+    [[nodiscard]] wchar_t cGetSingle(unsigned char u) const noexcept { return acSingle[u]; }
+
     /// The unit of the character at `p`, of which `uLeft` bytes are left; 0 when it is not in the table. `uLength` is
     /// set to 2 for a character of two bytes and left alone otherwise.
     [[nodiscard]] wchar_t cDecode(unsigned char const * p, std::size_t uLeft, unsigned int & uLength) const {
@@ -42,6 +48,7 @@ private:
 
     unsigned short uCodePage;
     bool fAscii = true;
+    bool fByteByByte = true;
     TRow acSingle{};
     std::array<bool, 256> afLead{};
     mutable std::array<std::atomic<TRow const *>, 256> apRows{}; // the pairs, by their first byte, made at first use

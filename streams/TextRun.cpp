@@ -79,36 +79,6 @@ TRunEnd tCharacterRun(unsigned char const * p, unsigned char const * pEnd, wchar
     return {p, pOut};
 }
 
-/// Decodes UTF-8 from a byte above ASCII, and what follows as long as the shuffle goes on, then up to the next ASCII
-/// byte as long as four bytes are left. False when it ended at what needs care.
-bool fTakeUtf8(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo, wchar_t const * pOutEnd,
-               TStops tStops) noexcept {
-    TakeUtf8ByShuffle(pFrom, pEnd, pTo, pOutEnd, tStops.cGetAscii1(), tStops.cGetAscii2());
-    unsigned char const * p = pFrom;
-    wchar_t * pOut = pTo;
-    bool fPlain = true;
-    while (pEnd - p >= 4 && pOut != pOutEnd && *p >= 0x80) {
-        std::uint32_t u = 0;
-        std::memcpy(&u, p, sizeof u);
-        if ((u & 0xC0C0F0) == 0x8080E0) {
-            std::uint32_t const uUnit = (u & 0x0F) << 12 | (u >> 2 & 0xFC0) | (u >> 16 & 0x3F);
-            fPlain = uUnit >= 0x800 && (uUnit & 0xF800) != 0xD800 && uUnit != cNeverPlain;
-            if (!fPlain) break;
-            *pOut++ = static_cast<wchar_t>(uUnit);
-            p += 3;
-        } else {
-            std::uint32_t const uUnit = (u & 0x1F) << 6 | (u >> 8 & 0x3F);
-            fPlain = (u & 0xC0E0) == 0x80C0 && uUnit >= 0x80;
-            if (!fPlain) break;
-            *pOut++ = static_cast<wchar_t>(uUnit);
-            p += 2;
-        }
-    }
-    pFrom = p;
-    pTo = pOut;
-    return fPlain;
-}
-
 /// Decodes some characters in any encoding, so many that a new look at pieces of ASCII is worth it. False when it ended
 /// at what needs care.
 template <typename TDecode>
@@ -130,11 +100,11 @@ bool fTakeSome(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t
     return fPlain;
 }
 
-/// The same for encodings whose ASCII is ASCII, with ASCII stops: ASCII by pieces of 16, what stands between them by
-/// `fTakeOthers`, and only the last bytes, or the last room, character by character.
-template <typename TDecode, typename TTakeOthers>
+/// The same for encodings whose ASCII is ASCII, with ASCII stops: ASCII by pieces of 16, and what stands between them,
+/// the last bytes and the last room character by character.
+template <typename TDecode>
 TRunEnd tAsciiRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
-                  TStops tStops, TDecode cDecode, TTakeOthers fTakeOthers) {
+                  TStops tStops, TDecode cDecode) {
     __m128i const tZero = _mm_setzero_si128();
     __m128i const tStop1 = _mm_set1_epi8(tStops.cGetAscii1());
     __m128i const tStop2 = _mm_set1_epi8(tStops.cGetAscii2());
@@ -154,9 +124,43 @@ TRunEnd tAsciiRun(unsigned char const * p, unsigned char const * pEnd, wchar_t *
         int const iPlain = std::countr_zero(uCare);
         p += iPlain;
         pOut += iPlain;
-        if (*p < 0x80 || !fTakeOthers(p, pOut)) return {p, pOut};
+        if (*p < 0x80 || !fTakeSome(p, pEnd, pOut, pOutEnd, tStops, cDecode)) return {p, pOut};
     }
     return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecode);
+}
+
+/// The same for code pages of one byte a character: also what is not ASCII by pieces of 16.
+TRunEnd tSingleByteRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
+                       TStops tStops, TCodePageTable const & tTable) {
+    __m128i const tZero = _mm_setzero_si128();
+    __m128i const tStop1 = _mm_set1_epi8(tStops.cGetAscii1());
+    __m128i const tStop2 = _mm_set1_epi8(tStops.cGetAscii2());
+    auto const tEight = [&tTable](unsigned char const * pBytes) {
+        auto const c = [&](int i) { return static_cast<short>(tTable.cGetSingle(pBytes[i])); };
+        return _mm_setr_epi16(c(0), c(1), c(2), c(3), c(4), c(5), c(6), c(7));
+    };
+    while (pEnd - p >= 16 && pOutEnd - pOut >= 16) {
+        __m128i const tBytes = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+        __m128i const tStopHere = _mm_or_si128(_mm_cmpeq_epi8(tBytes, tStop1), _mm_cmpeq_epi8(tBytes, tStop2));
+        __m128i tCare = _mm_or_si128(tStopHere, _mm_cmpeq_epi8(tBytes, tZero));
+        __m128i tFront = _mm_unpacklo_epi8(tBytes, tZero);
+        __m128i tBack = _mm_unpackhi_epi8(tBytes, tZero);
+        if (_mm_movemask_epi8(tBytes) != 0) {
+            tFront = tEight(p);
+            tBack = tEight(p + 8);
+            __m128i const tUnknown = _mm_packs_epi16(_mm_cmpeq_epi16(tFront, tZero), _mm_cmpeq_epi16(tBack, tZero));
+            tCare = _mm_or_si128(tCare, tUnknown);
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), tFront);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + 8), tBack);
+        int const iPlain = std::countr_zero(static_cast<unsigned int>(_mm_movemask_epi8(tCare)) | 0x10000);
+        p += iPlain;
+        pOut += iPlain;
+        if (iPlain < 16) return {p, pOut};
+    }
+    return tCharacterRun(
+        p, pEnd, pOut, pOutEnd, tStops,
+        [&tTable](unsigned char const * pBytes, std::size_t, unsigned int &) { return tTable.cGetSingle(*pBytes); });
 }
 
 TRunEnd tTableRun(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
@@ -165,17 +169,18 @@ TRunEnd tTableRun(unsigned char const * p, unsigned char const * pEnd, wchar_t *
         return tTable.cDecode(pBytes, uLeft, uLength);
     };
     if (!tTable.fIsAscii() || !tStops.fAreAscii()) return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecode);
-    return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecode, [=](unsigned char const *& pAt, wchar_t *& pTo) {
-        return fTakeSome(pAt, pEnd, pTo, pOutEnd, tStops, cDecode);
-    });
+    if (tTable.fIsByteByByte()) return tSingleByteRun(p, pEnd, pOut, pOutEnd, tStops, tTable);
+    return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecode);
 }
 
 TRunEnd tUtf8Run(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
                  TStops tStops) {
     if (!tStops.fAreAscii()) return tCharacterRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8);
-    return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8, [=](unsigned char const *& pAt, wchar_t *& pTo) {
-        return fTakeUtf8(pAt, pEnd, pTo, pOutEnd, tStops);
-    });
+    do {
+        if (fTakeUtf8ByShuffle(p, pEnd, pOut, pOutEnd, tStops.cGetAscii1(), tStops.cGetAscii2())) return {p, pOut};
+        if (pEnd - p < 16 || pOutEnd - pOut < 16) return tAsciiRun(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8);
+    } while (fTakeSome(p, pEnd, pOut, pOutEnd, tStops, cDecodeUtf8));
+    return {p, pOut};
 }
 
 TRunEnd tUtf16Run(unsigned char const * p, unsigned char const * pEnd, wchar_t * pOut, wchar_t const * pOutEnd,
@@ -225,17 +230,19 @@ std::size_t uGetTextLength(wchar_t const * pzText) noexcept {
     // By pieces of 16 bytes that lie in one page, so that what is behind the terminator can be looked at.
     constexpr std::uintptr_t uPage = 4096;
     __m128i const tZero = _mm_setzero_si128();
-    for (wchar_t const * p = pzText;;) {
-        if (reinterpret_cast<std::uintptr_t>(p) % uPage > uPage - 16) {
-            if (*p == 0) return static_cast<std::size_t>(p - pzText);
-            ++p;
-            continue;
+    for (wchar_t const * p = pzText;; ++p) {
+        std::size_t uInPage = (uPage - reinterpret_cast<std::uintptr_t>(p) % uPage) / sizeof(wchar_t);
+        for (; uInPage >= 8; uInPage -= 8, p += 8) {
+            __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+            auto const uZeros = static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(tUnits, tZero)));
+            if (uZeros != 0)
+                return static_cast<std::size_t>(p - pzText) + static_cast<unsigned>(std::countr_zero(uZeros)) / 2;
         }
-        __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-        auto const uZeros = static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(tUnits, tZero)));
-        if (uZeros != 0)
-            return static_cast<std::size_t>(p - pzText) + static_cast<unsigned>(std::countr_zero(uZeros)) / 2;
-        p += 8;
+        for (; uInPage != 0; --uInPage, ++p) {
+            if (*p == 0) return static_cast<std::size_t>(p - pzText);
+        }
+        // The first unit of the next page, or, at an odd address, the one that lies across.
+        if (*p == 0) return static_cast<std::size_t>(p - pzText);
     }
 }
 

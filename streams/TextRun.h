@@ -25,7 +25,7 @@ struct TTextRun {
 [[nodiscard]] int iGetUtf8Size(wchar_t const * pText, int iCount) noexcept;
 
 /// Bytes of the target behind the encoded text that `iEncodeUtf8` may write as well.
-constexpr int iUtf8Slack = 16;
+constexpr int iUtf8Slack = 32;
 
 /// Encodes text without surrogate halves; `pTarget` has room for three bytes a unit, or for what `iGetUtf8Size` tells,
 /// and the slack. Returns the bytes written, or -1 at a surrogate half.

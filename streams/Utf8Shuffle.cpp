@@ -1,6 +1,10 @@
 #include "streams/Utf8Shuffle.h"
 
+#include "streams/CopyBytes.h"
+
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -150,12 +154,16 @@ ZK_SHUFFLE_CODE __m128i tJoinTwo(__m128i tUnits, __m128i tBehind, __m128i tBegin
     return _mm_or_si128(_mm_and_si128(tBegins, tTwo), _mm_andnot_si128(tBegins, tUnits));
 }
 
-/// Takes 16 bytes of ASCII and characters of two bytes, or 15 when the last one begins a character.
-ZK_SHUFFLE_CODE bool fTakeSixteen(TBytes const & tBytes, unsigned char const *& p, wchar_t *& pOut) noexcept {
-    std::uint32_t const uFirst = tBytes.uAbove & ~tBytes.uLater;
+/// Takes `iCount` bytes of ASCII and characters of two bytes, or one less when the last one begins a character.
+ZK_SHUFFLE_CODE bool fTakeShort(TBytes const & tBytes, int iCount, unsigned char const *& p, wchar_t *& pOut) noexcept {
+    std::uint32_t const uIn = (1u << iCount) - 1;
+    std::uint32_t const uLater = tBytes.uLater & uIn;
+    std::uint32_t const uFirst = tBytes.uAbove & ~tBytes.uLater & uIn;
     // Bytes below 0xC2 begin nothing, and behind every first byte, and nowhere else, a continuation stands.
     auto const uBelow = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmplt_epi8(tBytes.t, _mm_set1_epi8(-62))));
-    if ((uFirst & uBelow) != 0 || tBytes.uLater != (uFirst << 1 & 0xFFFF) || tBytes.uStops != 0) return false;
+    if ((uFirst & uBelow) != 0 || uLater != (uFirst << 1 & uIn)) return false;
+    int const iCut = static_cast<int>(uFirst >> (iCount - 1));
+    if (iCut == iCount) return false;
 
     __m128i const tZero = _mm_setzero_si128();
     __m128i const tBehind = _mm_srli_si128(tBytes.t, 1);
@@ -165,25 +173,23 @@ ZK_SHUFFLE_CODE bool fTakeSixteen(TBytes const & tBytes, unsigned char const *& 
                                     _mm_unpacklo_epi8(tBegins, tBegins));
     __m128i const tBack = tJoinTwo(_mm_unpackhi_epi8(tBytes.t, tZero), _mm_unpackhi_epi8(tBehind, tZero),
                                    _mm_unpackhi_epi8(tBegins, tBegins));
-    std::uint32_t const uCut = uFirst & 0x8000;
-    std::uint32_t const uDropFront = tBytes.uLater & 0xFF;
-    std::uint32_t const uDropBack = (tBytes.uLater | uCut) >> 8;
+    std::uint32_t const uDrop = uLater | ~(uIn >> iCut);
+    std::uint32_t const uDropFront = uDrop & 0xFF;
+    std::uint32_t const uDropBack = uDrop >> 8 & 0xFF;
     _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tFront, tLoad(tTables.aauDrop[uDropFront])));
     pOut += tTables.auKept[uDropFront];
     _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tBack, tLoad(tTables.aauDrop[uDropBack])));
     pOut += tTables.auKept[uDropBack];
-    p += uCut != 0 ? 15 : 16;
+    p += iCount - iCut;
     return true;
 }
 
-/// Takes four characters of up to three bytes.
-ZK_SHUFFLE_CODE bool fTakeFour(TBytes const & tBytes, unsigned char const *& p, wchar_t *& pOut) noexcept {
-    constexpr std::uint32_t uMostlyAscii = 6; // bytes of all four
+/// Takes four characters of up to three bytes, or those of them that stand in front of `iStop`.
+ZK_SHUFFLE_CODE bool fTakeFour(TBytes const & tBytes, int iStop, unsigned char const *& p, wchar_t *& pOut) noexcept {
     // A character ends in front of each byte that is no continuation.
     std::uint8_t const uPattern = tTables.auPatternOfEnds[~tBytes.uLater >> 1 & ((1 << iWindow) - 1)];
     if (uPattern == uNone) return false;
     TPattern const & tPattern = tTables.atPatterns[uPattern];
-    if (tPattern.uBytes <= uMostlyAscii || (tBytes.uStops & ((1u << tPattern.uBytes) - 1)) != 0) return false;
 
     __m128i const tFour = _mm_shuffle_epi8(tBytes.t, tLoad(tPattern.auSpread));
     __m128i const tMarks = _mm_and_si128(tFour, tLoad(tPattern.auMarks));
@@ -201,27 +207,56 @@ ZK_SHUFFLE_CODE bool fTakeFour(TBytes const & tBytes, unsigned char const *& p, 
 
     __m128i const tLowerHalves = _mm_set_epi64x(-1, 0x0D0C090805040100);
     _mm_storel_epi64(reinterpret_cast<__m128i *>(pOut), _mm_shuffle_epi8(tUnits, tLowerHalves));
-    pOut += iCharacters;
-    p += tPattern.uBytes;
+    if (static_cast<int>(tPattern.uBytes) <= iStop) {
+        pOut += iCharacters;
+        p += tPattern.uBytes;
+    } else {
+        pOut += tTables.auKept[(tBytes.uLater | ~((1u << iStop) - 1)) & 0xFF] +
+                tTables.auKept[(tBytes.uLater | ~((1u << iStop) - 1)) >> 8 & 0xFF];
+        p += iStop;
+    }
     return true;
 }
 
-ZK_SHUFFLE_CODE void TakeGroups(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
-                                wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept {
+void TakeAscii(TBytes const & tBytes, int iCount, unsigned char const *& p, wchar_t *& pOut) noexcept {
+    __m128i const tZero = _mm_setzero_si128();
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_unpacklo_epi8(tBytes.t, tZero));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + 8), _mm_unpackhi_epi8(tBytes.t, tZero));
+    p += iCount;
+    pOut += iCount;
+}
+
+ZK_SHUFFLE_CODE bool fTakePieces(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
+                                 wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept {
     __m128i const tStop1 = _mm_set1_epi8(cStop1);
     __m128i const tStop2 = _mm_set1_epi8(cStop2);
     unsigned char const * p = pFrom;
     wchar_t * pOut = pTo;
-    while (pEnd - p >= 16 && pOutEnd - pOut >= 16) {
+    bool fStopped = false;
+    while (pEnd - p >= 16 && pOutEnd - pOut >= 16 && !fStopped) {
         TBytes const tBytes = tLook(p, tStop1, tStop2);
-        if (tBytes.uAbove == 0) break;
+        int const iStop = std::countr_zero(tBytes.uStops | 0x10000);
+        std::uint32_t const uIn = (1u << iStop) - 1;
         auto const uLong = static_cast<std::uint32_t>(
             _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(tBytes.t, _mm_set1_epi8(-32)), tBytes.t))); // 0xE0 and above
-        bool const fTaken = uLong == 0 ? fTakeSixteen(tBytes, p, pOut) : fTakeFour(tBytes, p, pOut);
+        unsigned char const * const pStop = p + iStop;
+        bool fTaken = true;
+        // The order is that of the branches that are foreseen best: what the text is like, not where it ends.
+        if (tBytes.uAbove == 0 || iStop == 0) {
+            TakeAscii(tBytes, iStop, p, pOut);
+        } else if ((uLong & uIn) == 0) {
+            fTaken = fTakeShort(tBytes, iStop, p, pOut);
+        } else if (int const iAscii = std::countr_zero(tBytes.uAbove); iAscii >= iCharacters) {
+            TakeAscii(tBytes, iAscii, p, pOut);
+        } else {
+            fTaken = fTakeFour(tBytes, iStop, p, pOut);
+        }
         if (!fTaken) break;
+        fStopped = iStop < 16 && p == pStop;
     }
     pFrom = p;
     pTo = pOut;
+    return fStopped;
 }
 
 /// Encodes four units, one in each 32 bits, none of them a surrogate half.
@@ -255,22 +290,54 @@ ZK_SHUFFLE_CODE void EncodeEightOfTwo(__m128i tUnits, char *& pOut) noexcept {
     pOut += 16 - tTables.auKept[uWide];
 }
 
-ZK_SHUFFLE_CODE void EncodeEights(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept {
+/// Encodes eight units, unless one is a surrogate half.
+ZK_SHUFFLE_CODE bool fEncodeEight(__m128i tUnits, char *& pOut) noexcept {
     __m128i const tZero = _mm_setzero_si128();
-    __m128i const tTopBits = _mm_set1_epi16(static_cast<short>(0xF800));
+    __m128i const tTop = _mm_and_si128(tUnits, _mm_set1_epi16(static_cast<short>(0xF800)));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, tZero)) == 0xFFFF) {
+        EncodeEightOfTwo(tUnits, pOut);
+        return true;
+    }
     __m128i const tHalf = _mm_set1_epi16(static_cast<short>(0xD800));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, tHalf)) != 0) return false;
+    EncodeFour(_mm_unpacklo_epi16(tUnits, tZero), pOut);
+    EncodeFour(_mm_unpackhi_epi16(tUnits, tZero), pOut);
+    return true;
+}
+
+bool fIsAscii(__m128i tUnits) noexcept {
+    __m128i const tAbove = _mm_and_si128(tUnits, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(tAbove, _mm_setzero_si128())) == 0xFFFF;
+}
+
+ZK_SHUFFLE_CODE void EncodePieces(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept {
     wchar_t const * p = pFrom;
     char * pOut = pTo;
-    for (; pEnd - p >= 8; p += 8) {
-        __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-        __m128i const tTop = _mm_and_si128(tUnits, tTopBits);
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, tZero)) == 0xFFFF) {
-            EncodeEightOfTwo(tUnits, pOut);
-            continue;
+    bool fPlain = true;
+    while (pEnd - p >= 16 && fPlain) {
+        __m128i const tFront = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+        __m128i const tBack = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 8));
+        if (fIsAscii(_mm_or_si128(tFront, tBack))) {
+            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tFront, tBack));
+            pOut += 16;
+            p += 16;
+        } else {
+            fPlain = fEncodeEight(tFront, pOut);
+            if (fPlain) p += 8;
+            fPlain = fPlain && fEncodeEight(tBack, pOut);
+            if (fPlain) p += 8;
         }
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(tTop, tHalf)) != 0) break;
-        EncodeFour(_mm_unpacklo_epi16(tUnits, tZero), pOut);
-        EncodeFour(_mm_unpackhi_epi16(tUnits, tZero), pOut);
+    }
+    // The rest with zeros behind it, which take a byte each.
+    while (p != pEnd && fPlain) {
+        std::array<wchar_t, 8> acUnits{};
+        auto const uCount = std::min<std::size_t>(static_cast<std::size_t>(pEnd - p), acUnits.size());
+        CopyBytes(acUnits.data(), p, uCount * sizeof(wchar_t));
+        fPlain = fEncodeEight(tLoad(acUnits), pOut);
+        if (fPlain) {
+            p += uCount;
+            pOut -= acUnits.size() - uCount;
+        }
     }
     pFrom = p;
     pTo = pOut;
@@ -278,11 +345,11 @@ ZK_SHUFFLE_CODE void EncodeEights(wchar_t const *& pFrom, wchar_t const * pEnd, 
 
 } // namespace
 
-void TakeUtf8ByShuffle(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
-                       wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept {
-    if (fCanShuffle) TakeGroups(pFrom, pEnd, pTo, pOutEnd, cStop1, cStop2);
+bool fTakeUtf8ByShuffle(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
+                        wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept {
+    return fCanShuffle && fTakePieces(pFrom, pEnd, pTo, pOutEnd, cStop1, cStop2);
 }
 
 void EncodeUtf8ByShuffle(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept {
-    if (fCanShuffle) EncodeEights(pFrom, pEnd, pTo);
+    if (fCanShuffle) EncodePieces(pFrom, pEnd, pTo);
 }

@@ -3,11 +3,11 @@
 #pragma once
 
 /// Decodes as long as what comes next is plain: well-formed characters of up to three bytes, neither a stop (ASCII, or
-/// 0 for none) nor a zero nor 0xFFFF, with 16 bytes to look at and room for 16 units. Ends also in front of 16 bytes
-/// of ASCII, for which there are faster ways. Moves both pointers.
-void TakeUtf8ByShuffle(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
-                       wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept;
+/// 0 for none) nor a zero nor 0xFFFF, with 16 bytes to look at and room for 16 units. Moves both pointers. True when it
+/// ended in front of a stop or a zero; otherwise the caller goes on with the next characters.
+[[nodiscard]] bool fTakeUtf8ByShuffle(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
+                                      wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept;
 
 /// Encodes by pieces of eight units in front of the first piece that holds a surrogate half. Every unit left takes
-/// three bytes of the target at most, and 16 bytes more may be written. Moves both pointers.
+/// three bytes of the target at most, and 32 bytes more may be written. Moves both pointers.
 void EncodeUtf8ByShuffle(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept;
