@@ -10,7 +10,8 @@ install(TARGETS ZkBase ZkTools EXPORT ZkToolsTargets
   ARCHIVE DESTINATION lib)
 install(TARGETS ZkToolsMessages ZkToolsMessagesDe LIBRARY DESTINATION bin)
 install(TARGETS zk RUNTIME DESTINATION bin)
-install(FILES ${ZK_RUNTIME_DLLS} DESTINATION bin)
+# With those of the dependencies, where these are no static libraries.
+install(FILES ${ZK_RUNTIME_DLLS} $<TARGET_RUNTIME_DLLS:ZkTools> DESTINATION bin)
 install(DIRECTORY include/ZkBase include/ZkTools DESTINATION include FILES_MATCHING PATTERN "*.h")
 
 install(EXPORT ZkToolsTargets NAMESPACE ZkTools:: DESTINATION ${sPackageDir})

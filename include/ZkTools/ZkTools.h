@@ -11,6 +11,8 @@
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/FileStream.h"
 #include "ZkTools/Files.h"
+#include "ZkTools/Hash.h"
+#include "ZkTools/Internet.h"
 #include "ZkTools/Jobs.h"
 #include "ZkTools/Library.h"
 #include "ZkTools/Locks.h"
