@@ -70,6 +70,14 @@ TEST(TDeepTree, DiesByEveryRoad) {
     std::unique_ptr<TOptionElement> const pRemoved(tRoot.pGetElementRW(0));
     tRoot.RemoveElement(0);
     EXPECT_EQ(iGetDepth(*pRemoved), -1); // it begins with level 1
+
+    MakeDeep(tRoot);
+    TOptionElement * pDeepest = &tRoot;
+    while (pDeepest->iCountElements() != 0)
+        pDeepest = pDeepest->pGetElementRW(0);
+    tRoot = std::move(*pDeepest); // and all between them goes
+    EXPECT_EQ(tRoot.sGetText(), std::to_wstring(iDepth - 1));
+    EXPECT_EQ(tRoot.iCountElements(), 0);
 }
 
 TEST(TWideTree, IsBuiltClonedAndDestroyed) {

@@ -7,9 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <optional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -630,4 +632,101 @@ TEST(TOptionElements, RemoveGivesTheChildToTheCaller) {
     EXPECT_EQ(pLast->pParent, nullptr);
     EXPECT_EQ(sDump(*pFirst), L"x:one(deep:d)");
     EXPECT_EQ(sDump(*pLast), L"x:two");
+}
+
+namespace {
+
+/// A tree as plain as it can be.
+struct TPlainTree {
+    wstring sName, sText;
+    std::vector<std::pair<wstring, wstring>> sAttributes;
+    std::vector<TPlainTree> tChildren;
+};
+
+bool fSame(TOptionElement const & tElement, TPlainTree const & tPlain) {
+    if (tElement.sName != tPlain.sName || tElement.sText != tPlain.sText) return false;
+    if (tElement.iCountAttributes() != std::ssize(tPlain.sAttributes)) return false;
+    if (tElement.iCountElements() != std::ssize(tPlain.tChildren)) return false;
+    for (int i = 0; i < tElement.iCountAttributes(); ++i) {
+        TOptionAttribute const & tAttribute = *tElement.pGetAttribute(i);
+        if (tAttribute.pOwner != &tElement) return false;
+        if (std::pair(tAttribute.sName, tAttribute.sValue) != tPlain.sAttributes[static_cast<std::size_t>(i)])
+            return false;
+    }
+    for (int i = 0; i < tElement.iCountElements(); ++i) {
+        TOptionElement const & tChild = *tElement.pGetElement(i);
+        if (tChild.pParent != &tElement || !fSame(tChild, tPlain.tChildren[static_cast<std::size_t>(i)])) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+TEST(TOptionElement, ChangesAtRandomAsAPlainTreeDoes) {
+    std::mt19937 tRandom(25);
+    auto const uBelow = [&](std::size_t u) { return static_cast<std::size_t>(tRandom() % u); };
+    TOptionElement tRoot;
+    TPlainTree tPlainRoot;
+    for (int iStep = 0; iStep < 20'000; ++iStep) {
+        TOptionElement * pElement = &tRoot;
+        TPlainTree * pPlain = &tPlainRoot;
+        while (!pPlain->tChildren.empty() && uBelow(4) != 0) {
+            std::size_t const uNext = uBelow(pPlain->tChildren.size());
+            pElement = pElement->pGetElementRW(static_cast<int>(uNext));
+            pPlain = &pPlain->tChildren[uNext];
+        }
+        auto & tChildren = pPlain->tChildren;
+        wstring const sName(1, static_cast<wchar_t>(L'a' + uBelow(4)));
+        wstring const sText = std::to_wstring(iStep);
+        std::size_t const uAt = uBelow(tChildren.size() + 1);
+        auto const itAt = tChildren.begin() + static_cast<std::ptrdiff_t>(uAt);
+        auto const itNamed = std::ranges::find(tChildren, sName, &TPlainTree::sName);
+        switch (uBelow(12)) {
+        default:
+            pElement->pAddElementAt(sName, sText, static_cast<int>(uAt));
+            tChildren.insert(itAt, {sName, sText, {}, {}});
+            break;
+        case 0:
+            pElement->pAddAttribute(sName, sText);
+            std::erase_if(pPlain->sAttributes, [&](auto const & tAttribute) { return tAttribute.first == sName; });
+            pPlain->sAttributes.emplace_back(sName, sText);
+            break;
+        case 1:
+            pElement->DestroyElement(sName);
+            if (itNamed != tChildren.end()) tChildren.erase(itNamed);
+            break;
+        case 2:
+            if (itAt == tChildren.end()) break;
+            pElement->DestroyElement(static_cast<int>(uAt));
+            tChildren.erase(itAt);
+            break;
+        case 3: { // a child moves to the end of the root
+            if (itAt == tChildren.end()) break;
+            TOptionElement * const pChild = pElement->pGetElementRW(static_cast<int>(uAt));
+            pElement->RemoveElement(pChild);
+            tRoot.AddElement(pChild);
+            TPlainTree tMoved = std::move(*itAt);
+            tChildren.erase(itAt);
+            tPlainRoot.tChildren.push_back(std::move(tMoved));
+            break;
+        }
+        case 4: { // a child becomes a copy of its neighbour
+            if (uAt + 1 >= tChildren.size()) break;
+            TOptionElement & tTarget = *pElement->pGetElementRW(static_cast<int>(uAt));
+            tTarget.Clone(*pElement->pGetElement(static_cast<int>(uAt) + 1));
+            tTarget.pParent = pElement;
+            *itAt = TPlainTree(*(itAt + 1));
+            break;
+        }
+        case 5:
+            if (uBelow(20) != 0) break;
+            pElement->Flush();
+            *pPlain = {};
+            break;
+        }
+        if (iStep % 200 == 0) {
+            ASSERT_TRUE(fSame(tRoot, tPlainRoot)) << iStep;
+        }
+    }
+    EXPECT_TRUE(fSame(tRoot, tPlainRoot));
 }

@@ -9,10 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <ctime>
 #include <functional>
+#include <random>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -158,6 +160,79 @@ TEST(TOptionNumbers, AreReadFromTheStartOfTheText) {
     }
 }
 
+namespace {
+
+wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
+    wstring sText(tRandom() % (uLongest + 1), L'\0');
+    for (wchar_t & c : sText)
+        c = sCharacters[tRandom() % sCharacters.size()];
+    return sText;
+}
+
+/// White space and a sign at the start of a text, taken off it; true for a minus.
+bool fTakeSign(wstring & sText) {
+    sText.erase(0, std::min(sText.find_first_not_of(L" \t\n"), sText.size()));
+    bool const fNegative = sText.starts_with(L'-');
+    if (fNegative || sText.starts_with(L'+')) sText.erase(0, 1);
+    return fNegative;
+}
+
+wstring sTakeDigits(wstring & sText) {
+    std::size_t const uCount = std::min(sText.find_first_not_of(L"0123456789"), sText.size());
+    wstring const sDigits = sText.substr(0, uCount);
+    sText.erase(0, uCount);
+    return sDigits;
+}
+
+} // namespace
+
+TEST(TOptionNumbers, AreReadFromRandomText) {
+    std::mt19937 tRandom(21);
+    for (int i = 0; i < 100'000; ++i) {
+        wstring const sText = sRandom(tRandom, L"00123456789 -+\t\n.x", 13);
+        wstring sRest = sText;
+        bool const fNegative = fTakeSign(sRest);
+        double dExpected = 0; // holds every number of 13 digits
+        for (wchar_t const c : sTakeDigits(sRest))
+            dExpected = dExpected * 10 + (c - L'0');
+        dExpected = std::clamp<double>(fNegative ? -dExpected : dExpected, INT_MIN, INT_MAX);
+        ASSERT_EQ(tRead<int>(sText, 7), static_cast<int>(dExpected)) << testing::PrintToString(sText);
+    }
+}
+
+TEST(TOptionNumbers, RealsAreReadFromRandomText) {
+    std::mt19937 tRandom(22);
+    int iNumbers = 0;
+    for (int i = 0; i < 100'000; ++i) {
+        wstring const sText = sRandom(tRandom, L"0123456789.. -+\tz", 13);
+        wstring sRest = sText;
+        bool const fNegative = fTakeSign(sRest);
+        wstring const sInteger = sTakeDigits(sRest);
+        wstring sFraction;
+        if (sRest.starts_with(L'.')) sFraction = sTakeDigits(sRest.erase(0, 1));
+        double dExpected = 7.5; // left as it was
+        if (wstring const sDigits = sInteger + sFraction; !sDigits.empty()) {
+            ++iNumbers;
+            dExpected =
+                static_cast<double>(std::stoull(sDigits)); // both are exact, so that the quotient is the nearest
+            double dPower = 1;
+            for (std::size_t u = 0; u < sFraction.size(); ++u)
+                dPower *= 10;
+            dExpected /= fNegative ? -dPower : dPower;
+        }
+        ASSERT_EQ(tRead(sText, 7.5), dExpected) << testing::PrintToString(sText);
+    }
+    EXPECT_GT(iNumbers, 20'000);
+}
+
+TEST(TOptionNumbers, MayHaveAMillionDigits) {
+    wstring const sZeros(1'000'000, L'0');
+    EXPECT_EQ(tRead<int>(sZeros + L"12"), 12);
+    EXPECT_EQ(tRead<int>(L"-" + wstring(1'000'000, L'9')), INT_MIN);
+    EXPECT_EQ(tRead<double>(sZeros + L"1.5" + sZeros), 1.5);
+    EXPECT_EQ(tRead(wstring(1'000'000, L' ') + L"x", 7.5), 7.5);
+}
+
 TEST(TOptionNumbers, AreCutToTheWidthOfTheTarget) {
     EXPECT_EQ(tRead<unsigned char>(L"256"), 0);
     EXPECT_EQ(tRead<unsigned char>(L"511"), 255);
@@ -249,6 +324,45 @@ TEST(TOptionBytes, AreBase64WithoutLineBreaks) {
     EXPECT_EQ(sLong.size(), 13'336u);
     EXPECT_EQ(sLong.find_first_of(L"\r\n"), wstring::npos);
     EXPECT_EQ(tRead<TBytes>(sLong), tLong);
+}
+
+TEST(TOptionBytes, AreEncodedAsByHand) {
+    constexpr std::wstring_view sDigits = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::mt19937 tRandom(23);
+    for (int i = 0; i < 20'000; ++i) {
+        TBytes tBytes(tRandom() % 20);
+        for (unsigned char & u : tBytes)
+            u = static_cast<unsigned char>(tRandom());
+        wstring sExpected;
+        for (std::size_t u = 0; u < tBytes.size(); u += 3) {
+            std::size_t const uCount = std::min<std::size_t>(3, tBytes.size() - u);
+            unsigned int uGroup = 0;
+            for (std::size_t uByte = 0; uByte < 3; ++uByte)
+                uGroup = uGroup << 8 | (uByte < uCount ? tBytes[u + uByte] : 0u);
+            for (std::size_t uDigit = 0; uDigit < 4; ++uDigit)
+                sExpected += uDigit <= uCount ? sDigits[uGroup >> (18 - 6 * uDigit) & 63] : L'=';
+        }
+        ASSERT_EQ(sWriteBytes(tBytes), sExpected);
+        ASSERT_EQ(tRead<TBytes>(sExpected, {9}), tBytes);
+    }
+}
+
+TEST(TOptionBytes, RandomTextIsBytesOrAFailure) {
+    std::mt19937 tRandom(24);
+    int iFailures = 0;
+    for (int i = 0; i < 100'000; ++i) {
+        wstring const sText = sRandom(tRandom, L"AZaz09+/==\r\n !-\u00C4\0"s, 12);
+        TBytes tBytes{9};
+        try {
+            tMakeElement(sText).Read(tBytes);
+            ASSERT_LE(tBytes.size(), (sText.size() + 3) / 4 * 3) << testing::PrintToString(sText);
+        } catch (std::system_error const &) {
+            ++iFailures;
+            ASSERT_EQ(tBytes, TBytes{9});
+        }
+    }
+    EXPECT_GT(iFailures, 10'000);
+    EXPECT_LT(iFailures, 99'000);
 }
 
 TEST(TOptionBytes, NoBytesNeedNoMemory) {
