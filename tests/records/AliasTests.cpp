@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <random>
+#include <string>
 #include <type_traits>
 
 namespace {
@@ -205,6 +207,36 @@ TEST(TAlias, TakesAMergedTextApart) {
         tAlias.Set(tCase.pzText, tCase.pzSeparator);
         SCOPED_TRACE(testing::PrintToString(wstring(tCase.pzText)));
         ExpectAlias(tAlias, tCase.sTag, tCase.sVersion, tCase.sVariant);
+    }
+}
+
+TEST(TAlias, TakesRandomTextApartAsASplitDoes) {
+    std::mt19937 tRandom(26);
+    for (int i = 0; i < 100'000; ++i) {
+        wstring sText(tRandom() % 12, L'\0');
+        for (wchar_t & c : sText)
+            c = L"; \tAb#"[tRandom() % 6];
+        wstring const sSeparator = std::array{L"; ", L";", L"##", L" ", L"Ab"}[tRandom() % 5];
+        std::array<wstring, 3> sPieces;
+        std::size_t uPiece = 0;
+        for (std::size_t u = 0; u < sText.size();) {
+            if (uPiece < 2 && sText.compare(u, sSeparator.size(), sSeparator) == 0) {
+                ++uPiece;
+                u += sSeparator.size();
+            } else {
+                sPieces[uPiece] += sText[u++];
+            }
+        }
+        for (wstring & s : sPieces) {
+            while (s.starts_with(L' '))
+                s.erase(0, 1);
+            while (s.ends_with(L' '))
+                s.pop_back();
+        }
+        TAlias tAlias(L"x", L"y", L"z");
+        tAlias.Set(sText.c_str(), sSeparator.c_str());
+        ASSERT_TRUE(tAlias == tMake(sPieces[0], sPieces[1], sPieces[2]))
+            << testing::PrintToString(sText) << testing::PrintToString(sSeparator);
     }
 }
 

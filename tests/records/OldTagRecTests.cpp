@@ -112,12 +112,15 @@ TEST(TOldTagRec, ADamagedFieldEndsWithItself) {
 }
 
 TEST(TOldTagRec, AnEarlyEndIsTheStreamsFailure) {
-    std::string const sBytes = sRecord("Tag", "1", "v").substr(0, 30);
-    TStreamBase tStream(sBytes.data(), static_cast<unsigned long>(sBytes.size()));
-    TOldTagRec tRecord(L"old", L"old", L"old");
-    EXPECT_THROW(tRecord.Read(tStream), TXZkTools);
-    EXPECT_EQ(tRecord.sGetVersion(), L"1"); // read before
-    EXPECT_EQ(tRecord.sGetVariant(), L"old");
+    std::string const sBytes = sRecord("Tag", "1", "v");
+    for (unsigned long dwLength = 1; dwLength < sBytes.size(); ++dwLength) {
+        TStreamBase tStream(sBytes.data(), dwLength);
+        TOldTagRec tRecord(L"old", L"old", L"old");
+        EXPECT_THROW(tRecord.Read(tStream), TXZkTools) << dwLength;
+        EXPECT_EQ(tRecord.sGetTag(), dwLength < 21 ? L"old" : L"Tag") << dwLength; // what was read before stays changed
+        EXPECT_EQ(tRecord.sGetVersion(), dwLength < 28 ? L"old" : L"1") << dwLength;
+        EXPECT_EQ(tRecord.sGetVariant(), L"old") << dwLength;
+    }
 }
 
 TEST(TOldTagRec, GivesItsTextsToAnAliasTrimmed) {

@@ -1037,6 +1037,27 @@ TEST(TZkDateTimeView, AsksTheSystemForTheUsersLocale) {
     EXPECT_EQ(tTime.iGetCalls(), 3); // a size of 1 is the empty text already
 }
 
+// Flags beside a picture make the system refuse.
+TEST(TZkDateTimeView, AsksWithFlagsOrAPictureNeverWithBoth) {
+    DWORD dwAsked = 0;
+    TDateFormat const tDate([&](LCID, DWORD dwFlags, SYSTEMTIME const *, LPCWSTR pzPicture, LPWSTR, int) {
+        dwAsked = dwFlags;
+        EXPECT_TRUE(dwFlags == 0 || pzPicture == nullptr);
+        return 0;
+    });
+    TTimeFormat const tTime([&](LCID, DWORD dwFlags, SYSTEMTIME const *, LPCWSTR pzPicture, LPWSTR, int) {
+        dwAsked = dwFlags;
+        EXPECT_TRUE(dwFlags == 0 || pzPicture == nullptr);
+        return 0;
+    });
+    for (int i = -1; i <= 9; ++i) {
+        static_cast<void>(tMoment.sGetViewDateString(static_cast<EDateFormat>(i), L"yy"));
+        EXPECT_EQ(dwAsked, i == edfLong ? 2u : 0u) << i;
+        static_cast<void>(tMoment.sGetViewTimeString(static_cast<ETimeFormat>(i), L"HH"));
+        EXPECT_EQ(dwAsked, i == etfNoSeconds ? 2u : i == etfHoursOnly ? 1u : 0u) << i;
+    }
+}
+
 TEST(TZkDateTimeView, APartThatTheSystemRefusesIsEmpty) {
     TDateFormat const tDate([](auto...) { return 0; });
     EXPECT_EQ(tMoment.sGetViewString(edtDateTime, edfIso, nullptr, etfIso, nullptr), L"T08:30:59");
@@ -1083,6 +1104,11 @@ TEST(SFormatOfLocale, IsEmptyWhereTheSystemRefuses) {
     EXPECT_EQ(sFormatTime(1033, tSystemTime(2024, 1, 15, 25)), L"");
     EXPECT_EQ(sFormatDateTime(1033, tSystemTime(2024, 13, 15, 25)), L" ");
     EXPECT_EQ(sFormatDate(0xFFFFF, tSystemTime(2024, 1, 15)), L"");
+    TDateFormat const tDate([](LCID, DWORD, SYSTEMTIME const *, LPCWSTR, LPWSTR pzTarget, int) {
+        pzTarget[0] = L'x'; // the beginning of a text that is too long
+        return 0;
+    });
+    EXPECT_EQ(sFormatDate(1033, tSystemTime(2024, 1, 15)), L"");
 }
 
 TEST(SFormatOfLocale, HasRoomFor49Characters) {
