@@ -22,6 +22,7 @@
 #include "ZkTools/Paths.h"
 #include "ZkTools/PointerQueue.h"
 #include "ZkTools/ProfileSection.h"
+#include "ZkTools/Rename.h"
 #include "ZkTools/Search.h"
 #include "ZkTools/Stream.h"
 #include "ZkTools/Strings.h"

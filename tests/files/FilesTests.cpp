@@ -2,6 +2,7 @@
 
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/MessageIds.h"
+#include "tests/files/Fixture.h"
 #include "tests/support/Handle.h"
 #include "tests/support/SystemCall.h"
 #include "tests/support/TempDirectory.h"
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
-#include <functional>
 #include <random>
 #include <set>
 #include <string>
@@ -28,8 +28,10 @@ namespace {
 using testing::PrintToString;
 using zk_test::tFailWith;
 using zk_test::THandle;
+using zk_test::THardToReach;
 using zk_test::TSystemCall;
 using zk_test::TTempDirectory;
+using zk_test::tThrownBy;
 
 using TFindFirst = TSystemCall<"FindFirstFileW", decltype(FindFirstFileW)>;
 using TFindFirstEx = TSystemCall<"FindFirstFileExW", decltype(FindFirstFileExW)>;
@@ -37,25 +39,6 @@ using TFindNext = TSystemCall<"FindNextFileW", decltype(FindNextFileW)>;
 using TFindClose = TSystemCall<"FindClose", decltype(FindClose)>;
 using TCreateFile = TSystemCall<"CreateFileW", decltype(CreateFileW)>;
 using TCloseHandle = TSystemCall<"CloseHandle", decltype(CloseHandle)>;
-
-/// A file or directory in a directory that only the long form of a path reaches: without it the system takes the point
-/// from the directory's name. All paths are longer than 260 characters.
-class THardToReach {
-public:
-    THardToReach() {
-        std::wstring const sOuter(200, L'o');
-        std::wstring const sMiddle = sOuter + L"\\" + std::wstring(100, L'm');
-        tTemp.sMakeDirectory(sOuter);
-        tTemp.sMakeDirectory(sMiddle);
-        sDirectory = tTemp.sMakeDirectory(sMiddle + L"\\dir.");
-    }
-    [[nodiscard]] std::wstring const & sGetPath() const noexcept { return sDirectory; }
-    [[nodiscard]] std::wstring sGetPath(wchar_t const * pzName) const { return sDirectory + L"\\" + pzName; }
-
-private:
-    TTempDirectory tTemp;
-    std::wstring sDirectory;
-};
 
 /// Makes the system's directory for temporary files another one as long as it lives.
 class TTempVariable {
@@ -81,16 +64,6 @@ unsigned __int64 uiTicks(FILETIME const & tTime) noexcept {
 }
 
 constexpr unsigned __int64 ui2001 = 126'227'808'000'000'000; // 2001-01-01
-
-/// What is thrown, or an exception that says that nothing was.
-TXZkTools tThrownBy(std::function<void()> const & Call) {
-    try {
-        Call();
-    } catch (TXZkTools const & tError) {
-        return tError;
-    }
-    return TXZkTools(L"nothing thrown");
-}
 
 /// Makes the file that long, without writing it.
 void SetFileLength(std::wstring const & sPath, LONGLONG iLength) {
