@@ -1,27 +1,23 @@
 // What an alias is outside the program: a file name, and its forms on a stream.
 #include "ZkTools/Alias.h"
 
-#include "ZkBase/Text.h"
 #include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Paths.h"
 #include "ZkTools/Stream.h"
 
-#include <utility>
+#include <algorithm>
+#include <array>
+#include <string>
 
 namespace {
 
 constexpr char cCurrentFormMark = 1; // no old record begins with it: there it would be the first character of a tag
 
-std::wstring sReadCounted(TStreamBase & tStream) {
-    std::wstring sText;
-    tStream.ReadPascalStringInt16(sText);
-    return string_functions::sStrip(sText, string_functions::esBoth, L" ");
-}
-
-std::wstring sReadString(TIStream & tStream) {
-    std::wstring sText;
-    tStream.ReadString(sText);
-    return string_functions::sStrip(sText, string_functions::esBoth, L" ");
+/// Reads tag, version and variant, so that none of them is changed before all are there.
+std::array<std::wstring, 3> asRead(auto Read) {
+    std::array<std::wstring, 3> asTexts;
+    std::ranges::for_each(asTexts, Read);
+    return asTexts;
 }
 
 } // namespace
@@ -49,11 +45,8 @@ void TAlias::Write(TStreamBase & tStream) const {
 }
 
 void TAlias::ReadPure(TStreamBase & tStream) {
-    std::wstring sNewTag = sReadCounted(tStream);
-    std::wstring sNewVersion = sReadCounted(tStream);
-    sVariant = sReadCounted(tStream);
-    sTag = std::move(sNewTag);
-    sVersion = std::move(sNewVersion);
+    auto const asTexts = asRead([&](std::wstring & sText) { tStream.ReadPascalStringInt16(sText); });
+    Set(asTexts[0], asTexts[1], asTexts[2]);
 }
 
 void TAlias::WritePure(TStreamBase & tStream) const {
@@ -63,11 +56,8 @@ void TAlias::WritePure(TStreamBase & tStream) const {
 }
 
 void TAlias::Read(TIStream & tStream) {
-    std::wstring sNewTag = sReadString(tStream);
-    std::wstring sNewVersion = sReadString(tStream);
-    sVariant = sReadString(tStream);
-    sTag = std::move(sNewTag);
-    sVersion = std::move(sNewVersion);
+    auto const asTexts = asRead([&](std::wstring & sText) { tStream.ReadString(sText); });
+    Set(asTexts[0], asTexts[1], asTexts[2]);
 }
 
 void TAlias::Write(TIStream & tStream) const {

@@ -4,6 +4,7 @@
 #include "ZkTools/FileStream.h"
 #include "ZkTools/MessageIds.h"
 #include "ZkTools/Stream.h"
+#include "tests/support/OutOfRange.h"
 #include "tests/support/SystemCall.h"
 #include "tests/support/TempDirectory.h"
 
@@ -24,6 +25,8 @@
 namespace {
 
 using std::wstring;
+using zk_test::pzBadIndex;
+using zk_test::sOutOfRange;
 using namespace std::string_literals;
 
 constexpr int iNotFound = 2147483647;
@@ -61,19 +64,6 @@ std::vector<int> iGetNumbers(TProbes const & tProbes) {
         iNumbers.push_back(p != nullptr ? p->iNumber : 0);
     return iNumbers;
 }
-
-/// The text of the out_of_range that the call throws, empty when it throws none.
-template <typename TCall>
-std::string sOutOfRange(TCall tCall) {
-    try {
-        tCall();
-    } catch (std::out_of_range const & tError) {
-        return tError.what();
-    }
-    return {};
-}
-
-constexpr char const * pzBadIndex = "invalid deque<T> subscript";
 
 std::string sGetBytes(TStreamBase & tStream) {
     if (tStream.pGetData() == nullptr) return {};

@@ -2,6 +2,7 @@
 
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/MessageIds.h"
+#include "tests/support/OutOfRange.h"
 #include "tests/support/SystemCall.h"
 #include "tests/support/VirtualSlot.h"
 
@@ -21,20 +22,9 @@
 namespace {
 
 using std::wstring;
+using zk_test::pzBadIndex;
+using zk_test::sOutOfRange;
 using namespace std::string_literals;
-
-/// The text of the out_of_range that the call throws, empty when it throws none.
-template <typename TCall>
-std::string sOutOfRange(TCall tCall) {
-    try {
-        tCall();
-    } catch (std::out_of_range const & tError) {
-        return tError.what();
-    }
-    return {};
-}
-
-constexpr char const * pzBadIndex = "invalid deque<T> subscript";
 
 /// A tree as text: name{attribute=value,...}:text(children).
 wstring sDump(TOptionElement const & tElement) {

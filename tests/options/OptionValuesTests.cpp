@@ -3,6 +3,7 @@
 
 #include "ZkTools/DateTime.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 
 #include <wincrypt.h>
@@ -22,6 +23,7 @@
 namespace {
 
 using std::wstring;
+using zk_test::sRandom;
 using namespace std::string_literals;
 using TBytes = std::vector<unsigned char>;
 
@@ -161,13 +163,6 @@ TEST(TOptionNumbers, AreReadFromTheStartOfTheText) {
 }
 
 namespace {
-
-wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
-    wstring sText(tRandom() % (uLongest + 1), L'\0');
-    for (wchar_t & c : sText)
-        c = sCharacters[tRandom() % sCharacters.size()];
-    return sText;
-}
 
 /// White space and a sign at the start of a text, taken off it; true for a minus.
 bool fTakeSign(wstring & sText) {

@@ -13,12 +13,8 @@ using namespace std::string_literals;
 namespace {
 
 using std::wstring;
+using zk_test::TAliasedStream;
 using zk_test::TFakeStream;
-
-/// A stream over a fake one.
-struct TAliased : TIStream {
-    explicit TAliased(TFakeStream & tFake) { Alias(&tFake); }
-};
 
 void ExpectAlias(TAlias const & tAlias, wstring const & sTag, wstring const & sVersion, wstring const & sVariant) {
     EXPECT_EQ(tAlias.sGetTag(), sTag);
@@ -35,14 +31,14 @@ std::string sRecord() {
 
 TEST(TAliasCompound, WritesThreeStringsAndNoMark) {
     TFakeStream tFake;
-    TAliased tStream(tFake);
+    TAliasedStream tStream(tFake);
     TAlias(L"A", L"12").Write(tStream);
     EXPECT_EQ(tFake.sBytes, sRecord());
 }
 
 TEST(TAliasCompound, ReadsThreeStringsAndNoMore) {
     TFakeStream tFake(sRecord() + "rest");
-    TAliased tStream(tFake);
+    TAliasedStream tStream(tFake);
     TAlias tAlias(L"x", L"y", L"z");
     tAlias.Read(tStream);
     ExpectAlias(tAlias, L"A", L"12", L"");
@@ -56,7 +52,7 @@ TEST(TAliasCompound, WritesAsItStandsAndReadsTrimmed) {
     tAccess.sGetVersion() = L" \t1 ";
     tAccess.sGetVariant() = L"   ";
     TFakeStream tFake;
-    TAliased tStream(tFake);
+    TAliasedStream tStream(tFake);
     tAlias.Write(tStream);
     EXPECT_TRUE(tFake.sBytes.starts_with("\x0E\0 \0 \0a\0 \0b\0 \0\0\0"s));
     tFake.uPosition = 0;
@@ -68,7 +64,7 @@ TEST(TAliasCompound, AFailedReaderLeavesTheAliasAsItWas) {
     for (int iFailAt = 0; iFailAt < 6; ++iFailAt) { // size and units of each string
         TFakeStream tFake(sRecord());
         tFake.iFailAt = iFailAt;
-        TAliased tStream(tFake);
+        TAliasedStream tStream(tFake);
         TAlias tAlias(L"x", L"y", L"z");
         EXPECT_THROW(tAlias.Read(tStream), TXZkTools);
         ExpectAlias(tAlias, L"x", L"y", L"z");
@@ -80,7 +76,7 @@ TEST(TAliasCompound, AFailedWriterWritesNoFurther) {
     for (int iFailAt = 0; iFailAt < 6; ++iFailAt) {
         TFakeStream tFake;
         tFake.iFailAt = iFailAt;
-        TAliased tStream(tFake);
+        TAliasedStream tStream(tFake);
         EXPECT_THROW(TAlias(L"A", L"12").Write(tStream), TXZkTools);
         EXPECT_EQ(tFake.sCalls, sCalls.substr(0, static_cast<std::size_t>(iFailAt) * 9 + 7)); // none behind the failed
     }
@@ -90,7 +86,7 @@ TEST(TAliasCompound, IsReadFromARecordCutAtEveryByte) {
     std::string const sWhole = sRecord();
     for (std::size_t uCut = 0; uCut <= sWhole.size(); ++uCut) {
         TFakeStream tFake(sWhole.substr(0, uCut));
-        TAliased tStream(tFake);
+        TAliasedStream tStream(tFake);
         TAlias tAlias(L"x", L"y", L"z");
         tAlias.Read(tStream); // what is missing counts as zeros
         wstring const sTag = uCut == 0 ? L""s : uCut < 3 ? L"\0"s : L"A"s;

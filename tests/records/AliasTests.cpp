@@ -1,5 +1,7 @@
 #include "ZkTools/Alias.h"
 
+#include "tests/support/Random.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -213,9 +215,7 @@ TEST(TAlias, TakesAMergedTextApart) {
 TEST(TAlias, TakesRandomTextApartAsASplitDoes) {
     std::mt19937 tRandom(26);
     for (int i = 0; i < 100'000; ++i) {
-        wstring sText(tRandom() % 12, L'\0');
-        for (wchar_t & c : sText)
-            c = L"; \tAb#"[tRandom() % 6];
+        wstring const sText = zk_test::sRandom(tRandom, L"; \tAb#", 11);
         wstring const sSeparator = std::array{L"; ", L";", L"##", L" ", L"Ab"}[tRandom() % 5];
         std::array<wstring, 3> sPieces;
         std::size_t uPiece = 0;

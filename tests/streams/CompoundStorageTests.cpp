@@ -24,6 +24,7 @@ namespace {
 
 using std::wstring;
 using zk_test::sNarrow;
+using zk_test::TAliasedStream;
 using zk_test::TFakeStorage;
 using zk_test::TFakeStream;
 
@@ -56,11 +57,6 @@ struct TOpenItem : TCompoundItem {
     void Check(long hr) const { CheckHResult(hr); }
 };
 
-/// A stream over a fake one.
-struct TAliased : TIStream {
-    explicit TAliased(TFakeStream & tFake) { Alias(&tFake); }
-};
-
 /// The bytes of a string form: the size, then the units.
 std::string sForm(std::uint16_t uBytes, std::wstring_view sUnits) {
     return std::string(reinterpret_cast<char const *>(&uBytes), sizeof uBytes) +
@@ -68,7 +64,7 @@ std::string sForm(std::uint16_t uBytes, std::wstring_view sUnits) {
 }
 
 wstring sReadString(TFakeStream & tFake) {
-    TAliased tStream(tFake);
+    TAliasedStream tStream(tFake);
     wstring sText = L"before";
     tStream.ReadString(sText);
     EXPECT_EQ(sText.c_str()[sText.size()], L'\0');
@@ -622,7 +618,7 @@ TEST(TIStream, EveryFailedCallIsAnException) {
 TEST(TIStream, ShortReadsAndWritesPass) {
     TFakeStream tFake("ab");
     tFake.hrSuccess = S_FALSE;
-    TAliased tStream(tFake);
+    TAliasedStream tStream(tFake);
     char acTarget[4] = {'.', '.', '.', '.'};
     tStream.Read(acTarget, 4);
     EXPECT_EQ(std::string_view(acTarget, 4), "ab..");
@@ -632,7 +628,7 @@ TEST(TIStream, ShortReadsAndWritesPass) {
 
 TEST(TIStream, FreesTheNameThatThePlatformGave) {
     TFakeStream tFake;
-    TAliased const tStream(tFake);
+    TAliasedStream const tStream(tFake);
     std::vector<void *> apFreed;
     zk_test::TSystemCall<"CoTaskMemFree", decltype(CoTaskMemFree)> tFree([&](void * pMemory) {
         apFreed.push_back(pMemory);
@@ -675,7 +671,7 @@ TEST(TIStream, InMemoryWithoutMemoryFails) {
 
 TEST(TIStreamString, IsASizeInBytesAndTheUnitsWithTheirTerminator) {
     TFakeStream tFake;
-    TAliased tStream(tFake);
+    TAliasedStream tStream(tFake);
     tStream.WriteString(L"");
     EXPECT_EQ(tFake.sBytes, "\x02\0\0\0"s);
     tStream.WriteString(L"A\u20AC");
@@ -689,7 +685,7 @@ TEST(TIStreamString, ComesBackAsItWas) {
     for (wstring const & sText :
          {wstring(), wstring(L"a"), wstring(L"a\0b", 3), wstring(L"\xD83D\xDE00\xD83D"), wstring(16382, L'x')}) {
         TFakeStream tFake;
-        TAliased(tFake).WriteString(sText);
+        TAliasedStream(tFake).WriteString(sText);
         tFake.sBytes += "rest";
         tFake.uPosition = 0;
         EXPECT_EQ(sReadString(tFake), sText);
@@ -707,7 +703,7 @@ TEST(TIStreamString, WritesTheSizeOfLongTextsWrapped) {
                               TRow{49150, 32766, 32766}, TRow{65535, 0, 0}, TRow{65536, 2, 2}, TRow{65537, 4, 4}}) {
         TFakeStream tFake;
         wstring const sText(tRow.uUnits, L'x');
-        TAliased(tFake).WriteString(sText);
+        TAliasedStream(tFake).WriteString(sText);
         std::wstring_view const sUnits(sText.c_str(), sText.size() + 1);
         EXPECT_EQ(tFake.sBytes, sForm(tRow.uSize, sUnits.substr(0, tRow.uWritten / 2))) << tRow.uUnits;
     }
@@ -718,7 +714,7 @@ TEST(TIStreamString, WritesTheSizeOfLongTextsWrapped) {
 TEST(TIStreamString, FailsBehindANegativeSize) {
     for (std::size_t const uUnits : {16383u, 20000u, 32766u, 49151u, 65534u, 16383u + 65536u}) {
         TFakeStream tFake;
-        TAliased tStream(tFake);
+        TAliasedStream tStream(tFake);
         ExpectFailure(STG_E_INVALIDPOINTER, [&] { tStream.WriteString(wstring(uUnits, L'x')); });
         EXPECT_EQ(tFake.sBytes, sForm(static_cast<std::uint16_t>((uUnits + 1) * 2), L"")) << uUnits;
     }

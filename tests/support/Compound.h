@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ZkBase/Windows.h"
+#include "ZkTools/CompoundStorage.h"
 
 #include <objbase.h>
 
@@ -110,6 +111,11 @@ public:
     ULARGE_INTEGER liAnswer{};        ///< the size that `Stat` tells and the position that `Seek` tells
     wchar_t const * pzName = L"name"; ///< null: `Stat` gives no name
     void * pGivenName = nullptr;      ///< the memory of the name that `Stat` gave last
+};
+
+/// The library's stream over a fake one.
+struct TAliasedStream : TIStream {
+    explicit TAliasedStream(TFakeStream & tFake) { Alias(&tFake); }
 };
 
 /// A storage that gives out one stream and one storage, with a reference for the receiver; on failure it sets the

@@ -1,5 +1,6 @@
 #include "ZkTools/BigNumber.h"
 
+#include "tests/support/Random.h"
 #include "tests/values/NumberMachine.h"
 
 #include <gtest/gtest.h>
@@ -195,12 +196,9 @@ TEST(TBigNumber, CopiesAll) {
 
 TEST(TBigNumber, ReadsRandomTextAsTheMachineDoes) {
     std::mt19937 tRandom(7);
-    constexpr std::wstring_view sCharacters = L"0012 +-..x\u00A0";
     int iGood = 0;
     for (int i = 0; i < 100'000; ++i) {
-        wstring sText(tRandom() % 7, L'\0');
-        for (wchar_t & c : sText)
-            c = sCharacters[tRandom() % sCharacters.size()];
+        wstring const sText = zk_test::sRandom(tRandom, L"0012 +-..x\u00A0", 6);
         zk_test::TNumberMachine const tExpected(sText);
         TBigNumber const tValue = tNumber(sText);
         ASSERT_EQ(fIsBad(tValue), !tExpected.fNumber) << PrintToString(sText);

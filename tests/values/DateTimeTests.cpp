@@ -6,6 +6,7 @@
 #include "ZkTools/Stream.h"
 #include "tests/support/Compound.h"
 #include "tests/support/Narrow.h"
+#include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 #include "tests/support/TempDirectory.h"
 
@@ -31,6 +32,8 @@ namespace {
 using std::wstring;
 using testing::PrintToString;
 using zk_test::sNarrow;
+using zk_test::sRandom;
+using zk_test::TAliasedStream;
 using zk_test::TSystemCall;
 
 using TParts = std::pair<std::wstring_view, std::optional<std::wstring_view>>;
@@ -101,13 +104,6 @@ std::string sThrown(std::function<void()> const & Call) {
 
 std::string sInvalid(std::wstring_view sText) {
     return sNarrow(L"Invalid dateTime string '" + wstring(sText) + L"'");
-}
-
-wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
-    wstring sText(tRandom() % (uLongest + 1), L'\0');
-    for (wchar_t & c : sText)
-        c = sCharacters[tRandom() % sCharacters.size()];
-    return sText;
 }
 
 } // namespace
@@ -293,11 +289,6 @@ TEST(TStructTmStream, ACutFileReadsAsZeros) {
 namespace {
 
 tm const tWide{INT_MIN, -1, 0x01020304, INT_MAX, 5, 6, 7, 8, 9};
-
-/// A COM stream over a fake one.
-struct TAliasedStream : TIStream {
-    explicit TAliasedStream(zk_test::TFakeStream & tFake) { Alias(&tFake); }
-};
 
 } // namespace
 

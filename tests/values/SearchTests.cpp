@@ -1,6 +1,7 @@
 #include "ZkTools/Search.h"
 
 #include "ZkBase/Windows.h"
+#include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>
@@ -21,15 +22,8 @@ using namespace std::string_literals;
 namespace {
 
 using std::wstring;
+using zk_test::sRandom;
 using zk_test::TSystemCall;
-
-/// A random text of up to `uLongest` of these characters.
-wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
-    wstring sText(tRandom() % (uLongest + 1), L'\0');
-    for (wchar_t & c : sText)
-        c = sCharacters[tRandom() % sCharacters.size()];
-    return sText;
-}
 
 /// The plain ways to the same hits.
 struct TPlainSearch {

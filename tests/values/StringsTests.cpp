@@ -1,6 +1,7 @@
 #include "ZkTools/Strings.h"
 
 #include "ZkBase/Windows.h"
+#include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 #include "tests/values/NumberMachine.h"
 
@@ -23,18 +24,11 @@ namespace {
 
 using std::wstring;
 using testing::PrintToString;
+using zk_test::sRandom;
 using zk_test::TNumberMachine;
 using zk_test::TSystemCall;
 
 constexpr unsigned long dwUnbounded = 0xFFFFFFFF;
-
-/// A random text of up to `uLongest` of these characters.
-wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
-    wstring sText(tRandom() % (uLongest + 1), L'\0');
-    for (wchar_t & c : sText)
-        c = sCharacters[tRandom() % sCharacters.size()];
-    return sText;
-}
 
 int iSign(int i) noexcept {
     return (i > 0) - (i < 0);
