@@ -17,6 +17,7 @@
 #include "ZkTools/Library.h"
 #include "ZkTools/Locks.h"
 #include "ZkTools/MessageIds.h"
+#include "ZkTools/Notes.h"
 #include "ZkTools/Option.h"
 #include "ZkTools/OptionTree.h"
 #include "ZkTools/Paths.h"
