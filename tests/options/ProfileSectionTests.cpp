@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <thread>
@@ -162,7 +163,8 @@ TEST(TProfileSection, DoublesItsRoomUntilTheSectionFits) {
 
 TEST(TProfileSection, ReadsSectionsOfAnySize) {
     zk_test::TTempDirectory const tDirectory;
-    for (std::size_t const uValue : {8180, 8181, 8182, 8183, 8184, 8185, 8186, 16375, 16380, 1000000}) {
+    for (std::size_t const uValue :
+         std::initializer_list<std::size_t>{8180, 8181, 8182, 8183, 8184, 8185, 8186, 16375, 16380, 1000000}) {
         std::string const sValue(uValue, 'v');
         wstring const sFile = tDirectory.sWrite(L"long.ini", "[A]\r\nkey=" + sValue + "\r\nz=1\r\n[B]\r\nother=1\r\n");
         EXPECT_EQ(sReadFile(sFile, L"A"), L"'key':'" + wstring(uValue, L'v') + L"' 'z':'1'") << uValue;

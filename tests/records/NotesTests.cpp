@@ -451,6 +451,19 @@ TEST(TZkNoteListImpl, ReplacesByReferenceAndBySetData) {
     EXPECT_EQ(sGetLabels(tList), L"aaBCa");
 }
 
+TEST(TZkNoteListImpl, CanBeDerivedFrom) {
+    static_assert(std::has_virtual_destructor_v<TZkNoteListImpl>);
+    static_assert(!std::is_polymorphic_v<TZkNoteList>);
+    struct TWatched : TZkNoteListImpl {
+        explicit TWatched(bool & fGone_) : fGone(fGone_) {}
+        ~TWatched() override { fGone = true; }
+        bool & fGone;
+    };
+    bool fGone = false;
+    std::unique_ptr<TZkNoteListImpl>(std::make_unique<TWatched>(fGone)).reset();
+    EXPECT_TRUE(fGone);
+}
+
 TEST(TZkNoteListImpl, FindsTheFirstEqualNote) {
     TZkNoteListImpl tList;
     TZkNote tWanted = tMake({.iFields = 1, .sLabel = L"b", .sFields = L"other "});

@@ -9,8 +9,9 @@ TEST(Tool, HelpListsEveryCommand) {
     EXPECT_EQ(tRun.dwExit, 0u);
     EXPECT_EQ(tRun.sErrors, "");
     EXPECT_TRUE(tRun.sOutput.starts_with("usage: zk COMMAND ARGUMENT...\r\n\r\n  store"));
-    for (char const * pzCommand : {"\r\n  store ", "\r\n  show ", "\r\n  hold ", "\r\n  who ", "\r\n  alias ",
-                                   "\r\n  decimal ", "\r\n  date ", "\r\n  sort ", "\r\n  profile "})
+    for (char const * pzCommand :
+         {"\r\n  store ", "\r\n  show ", "\r\n  hold ", "\r\n  who ", "\r\n  alias ", "\r\n  decimal ", "\r\n  date ",
+          "\r\n  sort ", "\r\n  profile ", "\r\n  languages "})
         EXPECT_NE(tRun.sOutput.find(pzCommand), std::string::npos) << pzCommand;
     EXPECT_TRUE(tRun.sOutput.ends_with("zk COMMAND --help tells more of a command.\r\n"
                                        "Exit codes: 0 done, 1 refused or failed, 2 wrong usage.\r\n"));
@@ -29,7 +30,8 @@ TEST(Tool, EveryCommandHasItsHelp) {
                                 TCase{L"decimal", "usage: zk decimal TYPE VALUE [OTHER]\r\n\r\nChecks"},
                                 TCase{L"date", "usage: zk date [DATE] [--since DATE]\r\n\r\nPrints"},
                                 TCase{L"sort", "usage: zk sort [FILE] [--reverse]\r\n\r\nPrints"},
-                                TCase{L"profile", "usage: zk profile FILE SECTION\r\n\r\nPrints"}}) {
+                                TCase{L"profile", "usage: zk profile FILE SECTION\r\n\r\nPrints"},
+                                TCase{L"languages", "usage: zk languages [TEXT]\r\n\r\nPrints"}}) {
         TToolRun const tRun = tRunTool({tCase.pzCommand, L"any", L"--help", L"--unknown"});
         EXPECT_EQ(tRun.dwExit, 0u);
         EXPECT_TRUE(tRun.sOutput.starts_with(tCase.sUsage)) << tRun.sOutput;

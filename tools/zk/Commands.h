@@ -14,8 +14,9 @@ extern TCommand const tDecimalCommand;
 extern TCommand const tDateCommand;
 extern TCommand const tSortCommand;
 extern TCommand const tProfileCommand;
+extern TCommand const tLanguagesCommand;
 
 inline constexpr std::array pCommands{
     &tStoreCommand,   &tShowCommand, &tHoldCommand, &tWhoCommand,     &tAliasCommand,
-    &tDecimalCommand, &tDateCommand, &tSortCommand, &tProfileCommand,
+    &tDecimalCommand, &tDateCommand, &tSortCommand, &tProfileCommand, &tLanguagesCommand,
 };
