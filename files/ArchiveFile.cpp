@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 zlib_filefunc_def TArchiveFile::tGetFunctions() noexcept {
     static constexpr auto tSelf = [](voidpf pFile) -> TArchiveFile & { return *static_cast<TArchiveFile *>(pFile); };
@@ -23,7 +22,9 @@ zlib_filefunc_def TArchiveFile::tGetFunctions() noexcept {
         return tSelf(pFile).fSeek(uOffset, iOrigin) ? 0 : -1;
     };
     tFunctions.zclose_file = [](voidpf, voidpf) { return 0; };
-    tFunctions.zerror_file = [](voidpf, voidpf pFile) { return tSelf(pFile).fFailed ? 1 : 0; };
+    // Asked only where a read gave too little. At the end of the file that is an error too: minizip would go on with
+    // zeros in the place of what is missing, and take a cut archive for one without members.
+    tFunctions.zerror_file = [](voidpf, voidpf) { return 1; };
     return tFunctions;
 }
 
@@ -76,21 +77,20 @@ bool TArchiveFile::fSeek(uLong uOffset, int iOrigin) noexcept {
 
 /// The block that holds the position; null at the end of the file and when reading fails.
 TArchiveFile::TBlock const * TArchiveFile::pFindBlock() {
-    for (std::size_t uBlock : {uRecent, 1 - uRecent}) {
-        TBlock const & tBlock = tBlocks[uBlock];
+    for (TBlock & tBlock : tBlocks) {
         if (qwPosition >= tBlock.qwStart && qwPosition - tBlock.qwStart < tBlock.dwSize) {
-            uRecent = uBlock;
+            tBlock.qwLastUse = ++qwUse;
             return &tBlock;
         }
     }
-    uRecent = 1 - uRecent;
-    TBlock & tBlock = tBlocks[uRecent];
+    TBlock & tBlock = *std::ranges::min_element(tBlocks, {}, &TBlock::qwLastUse);
+    tBlock.qwLastUse = ++qwUse;
     tBlock.qwStart = qwPosition - qwPosition % tBlock.acBytes.size();
     tBlock.dwSize = 0;
     LARGE_INTEGER liStart;
     liStart.QuadPart = static_cast<__int64>(tBlock.qwStart);
-    fFailed = SetFilePointerEx(hFile.hGet(), liStart, nullptr, FILE_BEGIN) == 0 ||
-              ReadFile(hFile.hGet(), tBlock.acBytes.data(), static_cast<DWORD>(tBlock.acBytes.size()), &tBlock.dwSize,
-                       nullptr) == 0;
-    return !fFailed && qwPosition - tBlock.qwStart < tBlock.dwSize ? &tBlock : nullptr;
+    bool const fRead = SetFilePointerEx(hFile.hGet(), liStart, nullptr, FILE_BEGIN) != 0 &&
+                       ReadFile(hFile.hGet(), tBlock.acBytes.data(), static_cast<DWORD>(tBlock.acBytes.size()),
+                                &tBlock.dwSize, nullptr) != 0;
+    return fRead && qwPosition - tBlock.qwStart < tBlock.dwSize ? &tBlock : nullptr;
 }

@@ -8,7 +8,7 @@
 #include <minizip/unzip.h>
 
 /// The file functions of one archive: wide names, reading only. minizip asks for one, two or four bytes at a time, now
-/// from the directory at the end of the file, now from the header of a member; two blocks serve both.
+/// from the directory at the end of the file, now from the header of a member; a few blocks serve both.
 ///
 /// What minizip opens stays open until this object goes, so it must outlive the archive.
 class TArchiveFile {
@@ -26,6 +26,7 @@ public:
 
 private:
     struct TBlock {
+        unsigned __int64 qwLastUse = 0;
         unsigned __int64 qwStart = 0;
         DWORD dwSize = 0;
         std::array<unsigned char, 4096> acBytes;
@@ -39,7 +40,6 @@ private:
     TFileHandle hFile;
     unsigned __int64 qwSize = 0;
     unsigned __int64 qwPosition = 0;
-    std::array<TBlock, 2> tBlocks;
-    std::size_t uRecent = 0; // the block that was used last
-    bool fFailed = false;
+    unsigned __int64 qwUse = 0;
+    std::array<TBlock, 4> tBlocks; // either place may lie across the border of two
 };

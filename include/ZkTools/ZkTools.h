@@ -29,3 +29,4 @@
 #include "ZkTools/Search.h"
 #include "ZkTools/Stream.h"
 #include "ZkTools/Strings.h"
+#include "ZkTools/WorkingCopy.h"

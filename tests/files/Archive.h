@@ -1,10 +1,16 @@
 /// Archives in ZIP form, made by hand, byte by byte.
 #pragma once
 
+#include "ZkBase/Windows.h"
+
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
+#include <wincrypt.h>
 
 namespace zk_test {
 
@@ -133,6 +139,34 @@ inline void PutMemberFields(std::string & sOut, TArchiveMember const & tMember, 
     PutNumber(sOut, tForm.fZip64End ? 0xFFFFFFFF : uDirectory, 4);
     PutNumber(sOut, tForm.sComment.size(), 2);
     return tForm.sPrefix + sOut + tForm.sComment;
+}
+
+/// What the hash of an archive with these members has to be, made the plain way.
+[[nodiscard]] inline std::wstring sContentsHash(std::vector<TArchiveMember> tMembers) {
+    std::ranges::sort(tMembers, {}, [](TArchiveMember const & tMember) {
+        return std::vector<unsigned char>(tMember.sName.begin(), tMember.sName.end());
+    });
+    std::string sBlock;
+    for (TArchiveMember const & tMember : tMembers) {
+        sBlock += tMember.sName;
+        PutNumber(sBlock, uChecksum(tMember.sBytes), 4);
+        PutNumber(sBlock, tMember.sBytes.size(), 4);
+    }
+    HCRYPTPROV hProvider = 0;
+    HCRYPTHASH hHash = 0;
+    std::array<std::uint32_t, 5> uDigest{};
+    DWORD dwSize = sizeof uDigest;
+    CryptAcquireContextW(&hProvider, nullptr, nullptr, PROV_RSA_FULL, CRYPT_VERIFYCONTEXT);
+    CryptCreateHash(hProvider, CALG_SHA1, 0, 0, &hHash);
+    CryptHashData(hHash, reinterpret_cast<BYTE const *>(sBlock.data()), static_cast<DWORD>(sBlock.size()), 0);
+    CryptGetHashParam(hHash, HP_HASHVAL, reinterpret_cast<BYTE *>(uDigest.data()), &dwSize, 0);
+    CryptDestroyHash(hHash);
+    CryptReleaseContext(hProvider, 0);
+    std::array<wchar_t, 33> acDigits{};
+    _snwprintf(acDigits.data(), acDigits.size(), L"%08lX%08lX%08lX%08lX", static_cast<unsigned long>(uDigest[0]),
+               static_cast<unsigned long>(uDigest[1]), static_cast<unsigned long>(uDigest[2]),
+               static_cast<unsigned long>(uDigest[3]));
+    return acDigits.data();
 }
 
 } // namespace zk_test
