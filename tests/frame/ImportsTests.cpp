@@ -2,20 +2,16 @@
 // names in the import table are those of the compiler at hand, so each is turned back into its declaration.
 #ifdef __GNUC__
 
-#include "ZkBase/Windows.h"
+#include "tests/support/Image.h"
 
 #include <gtest/gtest.h>
 
-#include <cxxabi.h>
-
 #include <array>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
+
+using namespace zk_test;
 
 namespace {
 
@@ -85,64 +81,6 @@ constexpr std::array<std::string_view, 3> asData{
     "vtable for TXError",
     "typeinfo for TXError",
     "typeinfo name for TXError",
-};
-
-std::string sReplaceAll(std::string sText, std::string_view sFrom, std::string_view sTo) {
-    for (std::size_t u = 0; (u = sText.find(sFrom, u)) != std::string::npos; u += sTo.size())
-        sText.replace(u, sFrom.size(), sTo);
-    return sText;
-}
-
-std::string sDeclaration(char const * pzName) {
-    std::unique_ptr<char, decltype(&std::free)> const pText(abi::__cxa_demangle(pzName, nullptr, nullptr, nullptr),
-                                                            &std::free);
-    if (pText == nullptr) return pzName;
-    std::string sText = pText.get();
-    sText = sReplaceAll(
-        sText, "std::__cxx11::basic_string<wchar_t, std::char_traits<wchar_t>, std::allocator<wchar_t> >", "wstring");
-    return sReplaceAll(sText, "std::basic_string_view<wchar_t, std::char_traits<wchar_t> >", "wstring_view");
-}
-
-/// A loaded module, read by the tables of its image.
-class TImage {
-public:
-    explicit TImage(wchar_t const * pzModule) : pBase(reinterpret_cast<char const *>(GetModuleHandleW(pzModule))) {}
-
-    template <typename T>
-    T const * pAt(DWORD dwOffset) const {
-        return reinterpret_cast<T const *>(pBase + dwOffset);
-    }
-
-    IMAGE_DATA_DIRECTORY const & tGetDirectory(std::size_t uIndex) const {
-        auto const dwHeaders = static_cast<DWORD>(pAt<IMAGE_DOS_HEADER>(0)->e_lfanew);
-        return pAt<IMAGE_NT_HEADERS>(dwHeaders)->OptionalHeader.DataDirectory[uIndex];
-    }
-
-    /// The declarations of what it takes from a module.
-    std::set<std::string> sGetImports(char const * pzFrom) const {
-        std::set<std::string> sFound;
-        auto const * pModule = pAt<IMAGE_IMPORT_DESCRIPTOR>(tGetDirectory(IMAGE_DIRECTORY_ENTRY_IMPORT).VirtualAddress);
-        for (; pModule->Name != 0; ++pModule) {
-            if (_stricmp(pAt<char>(pModule->Name), pzFrom) != 0) continue;
-            for (auto const * p = pAt<IMAGE_THUNK_DATA>(pModule->OriginalFirstThunk); p->u1.AddressOfData != 0; ++p)
-                sFound.insert(sDeclaration(pAt<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(p->u1.AddressOfData))->Name));
-        }
-        return sFound;
-    }
-
-    /// The declarations of what it gives.
-    std::set<std::string> sGetExports() const {
-        std::set<std::string> sFound;
-        auto const * const pTable =
-            pAt<IMAGE_EXPORT_DIRECTORY>(tGetDirectory(IMAGE_DIRECTORY_ENTRY_EXPORT).VirtualAddress);
-        auto const * const pNames = pAt<DWORD>(pTable->AddressOfNames);
-        for (DWORD i = 0; i < pTable->NumberOfNames; ++i)
-            sFound.insert(sDeclaration(pAt<char>(pNames[i])));
-        return sFound;
-    }
-
-private:
-    char const * pBase;
 };
 
 } // namespace
