@@ -36,7 +36,7 @@ protected:
 };
 
 /// The prompt that asks nobody: no credentials, no further try.
-class ZKTOOLS_API TAuthenticationDummyPrompt final : public TIAuthenticationPrompt {
+class ZKTOOLS_API TAuthenticationDummyPrompt : public TIAuthenticationPrompt {
 public:
     /// False.
     bool PromptOne(std::uintptr_t u1, std::uintptr_t u2, std::uintptr_t u3, std::uintptr_t u4) override;

@@ -263,6 +263,15 @@ TEST(TAuthenticationDummyPrompt, HasNoCredentialsAndWantsNoFurtherTry) {
     EXPECT_FALSE(tPrompt.PromptSeven(1, 2, 3, 4));
 }
 
+TEST(TAuthenticationDummyPrompt, CanBeDerivedFrom) {
+    struct TNamed : TAuthenticationDummyPrompt {
+        std::wstring sPromptText() override { return L"name"; }
+    } tNamed;
+    TIAuthenticationPrompt & tPrompt = tNamed;
+    EXPECT_EQ(tPrompt.sPromptText(), L"name");
+    EXPECT_TRUE(tPrompt.fPromptFlag());
+}
+
 TEST(TIAuthenticationPrompt, HasNineOperationsAndNoVirtualDestructor) {
     using T = TIAuthenticationPrompt;
     std::array const aiSlots{

@@ -120,20 +120,8 @@ void ExpectNothingKnown(TLangArray const & tTable) {
     }
 }
 
-[[noreturn]] void TellTheEnd() {
-    zk_test::Say("terminated");
-    TerminateProcess(GetCurrentProcess(), 42);
-    std::abort();
-}
-
-/// The end that the run-time itself makes.
-LONG WINAPI iTellTheEnd(EXCEPTION_POINTERS *) {
-    TellTheEnd();
-}
-
 zk_test::TChildRole const tTrusting(L"too-long", [](std::vector<wstring> const & sArguments) {
-    std::set_terminate(&TellTheEnd);
-    SetUnhandledExceptionFilter(&iTellTheEnd);
+    std::set_terminate([] { TerminateProcess(GetCurrentProcess(), 42); });
     zk_test::Say("reads");
     TGivenResource const tGiven(sTable(1, sEntry(sArguments.at(0), sArguments.at(1), 0)));
     TFreshTable const tTable;
@@ -254,8 +242,8 @@ TEST(TLangArray, EndsTheProcessWhenATextIsTooLong) {
                                         std::pair(wstring(1000, L'c'), wstring(1000, L'n'))}) {
         zk_test::TChildProcess tChild(tTrusting, {sCode, sName});
         EXPECT_EQ(tChild.sHear(), "reads");
-        EXPECT_EQ(tChild.sHear(), "terminated");
-        EXPECT_EQ(tChild.dwWait(), 42u);
+        EXPECT_EQ(tChild.sHearAll(), "") << "it went on";
+        EXPECT_NE(tChild.dwWait(), 0u); // a run-time may have an exit code of its own for it
     }
     zk_test::TChildProcess tChild(tTrusting, {L"ab", wstring(20, L'n')});
     EXPECT_EQ(tChild.sHear(), "reads");
