@@ -46,6 +46,13 @@ constexpr std::array<TCodePageRow, 18> atCodePages{{
 /// held from the write before.
 constexpr std::size_t uBlockUnits = 255;
 
+/// A character that the code page lacks becomes the default one, never one that looks alike: a fullwidth bracket must
+/// not become markup. The code pages that have every character take no flag.
+DWORD dwGetConversionFlags(unsigned short uCodePage) noexcept {
+    constexpr unsigned short uGb18030 = 54936;
+    return uCodePage == CP_UTF8 || uCodePage == uGb18030 ? 0 : WC_NO_BEST_FIT_CHARS;
+}
+
 } // namespace
 
 unsigned short uGetCodePage(ECodePage eCodePage) {
@@ -115,7 +122,8 @@ void TConvertStream::Convert(wchar_t const * pUnits, int iCount) {
             std::swap(acHeld[i], acHeld[i + 1]);
         return;
     }
-    int const iBytes = WideCharToMultiByte(uCodePage, 0, pUnits, iCount, acHeld, sizeof acHeld, nullptr, nullptr);
+    int const iBytes = WideCharToMultiByte(uCodePage, dwGetConversionFlags(uCodePage), pUnits, iCount, acHeld,
+                                           sizeof acHeld, nullptr, nullptr);
     if (iBytes <= 0) {
         std::wstring const sReason = sGetErrorString(GetLastError());
         TXError tError(L"ZKBASE", -1);

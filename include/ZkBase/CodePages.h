@@ -49,8 +49,8 @@ struct IConvertReceiver {
 /// Converts UTF-16 text to a code page piece by piece: a surrogate pair may be cut between two writes.
 ///
 /// A half of a pair that stands alone, and a character that the code page lacks, become the default character that the
-/// platform's `WideCharToMultiByte` uses. Under `ecpUtf16` and `ecpUtf16Swapped` units are passed on as they are. What
-/// is held when the object goes is lost.
+/// platform's `WideCharToMultiByte` uses, never one that looks alike: a fullwidth bracket does not become markup. Under
+/// `ecpUtf16` and `ecpUtf16Swapped` units are passed on as they are. What is held when the object goes is lost.
 class ZKBASE_API TConvertStream {
 public:
     /// \param pReceiver must outlive this object and is not owned

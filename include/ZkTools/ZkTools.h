@@ -31,5 +31,7 @@
 #include "ZkTools/Search.h"
 #include "ZkTools/Stream.h"
 #include "ZkTools/Strings.h"
+#include "ZkTools/TextStream.h"
+#include "ZkTools/Uri.h"
 #include "ZkTools/Variant.h"
 #include "ZkTools/WorkingCopy.h"

@@ -73,8 +73,9 @@ std::string sConvertAtOnce(unsigned short uCodePage, std::wstring_view sText) {
             std::swap(sResult[i], sResult[i + 1]);
         return sResult;
     }
+    DWORD const dwFlags = uCodePage == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
     sResult.resize(sText.size() * 4);
-    sResult.resize(static_cast<std::size_t>(WideCharToMultiByte(uCodePage, 0, sText.data(),
+    sResult.resize(static_cast<std::size_t>(WideCharToMultiByte(uCodePage, dwFlags, sText.data(),
                                                                 static_cast<int>(sText.size()), sResult.data(),
                                                                 static_cast<int>(sResult.size()), nullptr, nullptr)));
     return sResult;
@@ -253,6 +254,22 @@ TEST(TConvertStream, ReplacesLoneHalves) {
         EXPECT_EQ(tReceiver.sTaken, sHalf + "a" + sHalf + sHalf);
         tStream.Flush();
         EXPECT_EQ(tReceiver.sTaken, sHalf + "a" + sHalf + sHalf + sHalf);
+    }
+}
+
+TEST(TConvertStream, PutsNothingThatLooksAlikeInPlaceOfWhatIsMissing) {
+    struct TCase {
+        ECodePage eCodePage;
+        std::wstring_view sText;
+        char const * pzBytes;
+    };
+    for (TCase const & tCase :
+         {TCase{ecpWestern, L"\uFF1C\u2329\uFF06\u0141\u2011", "?????"}, TCase{ecpGreek, L"\u00C0\uFF1C", "??"},
+          TCase{ecpAscii, L"\u00E4\u2039", "??"}, TCase{ecpJapanese, L"\u00A5\u00E4\uFF1C", "??\x81\x83"}}) {
+        TReceiver tReceiver;
+        TConvertStream tStream(tCase.eCodePage, ecdFromUtf16, &tReceiver);
+        uWrite(tStream, tCase.sText);
+        EXPECT_EQ(tReceiver.sTaken, tCase.pzBytes);
     }
 }
 
