@@ -1,10 +1,11 @@
-// Paths and text as URIs, and the checks of URLs and e-mail addresses. The platform knows what a URL is.
+// Paths and text as URIs, and the checks of URLs and URIs. The platform knows what a URL is.
 #include "ZkTools/Uri.h"
 
 #include "ZkBase/Paths.h"
 #include "ZkBase/Windows.h"
 #include "ZkTools/Strings.h"
 
+#include <cpprest/base_uri.h>
 #include <shlwapi.h>
 
 #include <algorithm>
@@ -66,4 +67,8 @@ bool fIsValidURL(std::wstring const & sText) {
 
 bool fIsValidURL_NoQuery(std::wstring const & sText) {
     return fIsValidURL(sText) && !fHasQuery(sText);
+}
+
+bool fIsValidURI(std::wstring const & sText) {
+    return web::uri::validate(sText);
 }

@@ -28,6 +28,10 @@
 /// The same, but a URL with a query ("?...") is none.
 [[nodiscard]] ZKTOOLS_API bool fIsValidURL_NoQuery(std::wstring const & sText);
 
+/// True for a URI, with a scheme or relative, as `web::uri::validate` of cpprestsdk knows it: a text of the characters
+/// that RFC 3986 takes. What stands behind a percent sign is not looked at.
+[[nodiscard]] ZKTOOLS_API bool fIsValidURI(std::wstring const & sText);
+
 /// True for an e-mail address: a local part, an at sign and a domain, all in ASCII.
 ///
 /// The local part is one or more atoms with single points between them, of letters, digits and ``!#$%&'*+-/=?^_`{|}~``;

@@ -1,40 +1,56 @@
+#include "tests/support/Narrow.h"
 #include "tests/tools/Tool.h"
 
 #include <gtest/gtest.h>
 
 using namespace zk_test;
 
+namespace {
+
+/// Each command of the tool, and how its help begins.
+struct TCommandHelp {
+    wchar_t const * pzCommand;
+    char const * pzStart;
+};
+
+constexpr TCommandHelp atCommands[] = {
+    {L"store", "usage: zk store DIR OBJECT TAG [VERSION [VARIANT]]\r\n\r\nWrites"},
+    {L"show", "usage: zk show DIR OBJECT\r\n\r\nPrints"},
+    {L"hold", "usage: zk hold DIR OBJECT --read|--write [--seconds N]\r\n\r\nKeeps"},
+    {L"who", "usage: zk who DIR OBJECT\r\n\r\nTells"},
+    {L"alias", "usage: zk alias parse|file-name|compare TEXT"},
+    {L"decimal", "usage: zk decimal TYPE VALUE [OTHER]\r\n\r\nChecks"},
+    {L"date", "usage: zk date [DATE] [--since DATE]\r\n\r\nPrints"},
+    {L"sort", "usage: zk sort [FILE] [--reverse]\r\n\r\nPrints"},
+    {L"profile", "usage: zk profile FILE SECTION\r\n\r\nPrints"},
+    {L"languages", "usage: zk languages [TEXT]\r\n\r\nPrints"},
+    {L"xml-text", "usage: zk xml-text [FILE] [--attribute [--tabs]] [--to OUT [--encoding NAME]]\r\n\r\nTurns"},
+    {L"xml-name", "usage: zk xml-name TEXT\r\n\r\nPrints"},
+    {L"xpath-literal", "usage: zk xpath-literal TEXT\r\n\r\nPrints"},
+    {L"base64", "usage: zk base64 encode|decode TEXT\r\n\r\nTurns"},
+    {L"uri", "usage: zk uri path|escape|unescape|check TEXT\r\n\r\nTurns"},
+};
+
+} // namespace
+
 TEST(Tool, HelpListsEveryCommand) {
     TToolRun const tRun = tRunTool({L"--help"});
     EXPECT_EQ(tRun.dwExit, 0u);
     EXPECT_EQ(tRun.sErrors, "");
     EXPECT_TRUE(tRun.sOutput.starts_with("usage: zk COMMAND ARGUMENT...\r\n\r\n  store"));
-    for (char const * pzCommand :
-         {"\r\n  store ", "\r\n  show ", "\r\n  hold ", "\r\n  who ", "\r\n  alias ", "\r\n  decimal ", "\r\n  date ",
-          "\r\n  sort ", "\r\n  profile ", "\r\n  languages "})
-        EXPECT_NE(tRun.sOutput.find(pzCommand), std::string::npos) << pzCommand;
+    for (TCommandHelp const & tCommand : atCommands) {
+        std::string const sLine = "\r\n  " + sNarrow(tCommand.pzCommand) + " ";
+        EXPECT_NE(tRun.sOutput.find(sLine), std::string::npos) << sLine;
+    }
     EXPECT_TRUE(tRun.sOutput.ends_with("zk COMMAND --help tells more of a command.\r\n"
                                        "Exit codes: 0 done, 1 refused or failed, 2 wrong usage.\r\n"));
 }
 
 TEST(Tool, EveryCommandHasItsHelp) {
-    struct TCase {
-        wchar_t const * pzCommand;
-        std::string sUsage;
-    };
-    for (TCase const & tCase : {TCase{L"store", "usage: zk store DIR OBJECT TAG [VERSION [VARIANT]]\r\n\r\nWrites"},
-                                TCase{L"show", "usage: zk show DIR OBJECT\r\n\r\nPrints"},
-                                TCase{L"hold", "usage: zk hold DIR OBJECT --read|--write [--seconds N]\r\n\r\nKeeps"},
-                                TCase{L"who", "usage: zk who DIR OBJECT\r\n\r\nTells"},
-                                TCase{L"alias", "usage: zk alias parse|file-name|compare TEXT"},
-                                TCase{L"decimal", "usage: zk decimal TYPE VALUE [OTHER]\r\n\r\nChecks"},
-                                TCase{L"date", "usage: zk date [DATE] [--since DATE]\r\n\r\nPrints"},
-                                TCase{L"sort", "usage: zk sort [FILE] [--reverse]\r\n\r\nPrints"},
-                                TCase{L"profile", "usage: zk profile FILE SECTION\r\n\r\nPrints"},
-                                TCase{L"languages", "usage: zk languages [TEXT]\r\n\r\nPrints"}}) {
-        TToolRun const tRun = tRunTool({tCase.pzCommand, L"any", L"--help", L"--unknown"});
+    for (TCommandHelp const & tCommand : atCommands) {
+        TToolRun const tRun = tRunTool({tCommand.pzCommand, L"any", L"--help", L"--unknown"});
         EXPECT_EQ(tRun.dwExit, 0u);
-        EXPECT_TRUE(tRun.sOutput.starts_with(tCase.sUsage)) << tRun.sOutput;
+        EXPECT_TRUE(tRun.sOutput.starts_with(tCommand.pzStart)) << tRun.sOutput;
         EXPECT_TRUE(tRun.sOutput.ends_with(".\r\n"));
         EXPECT_EQ(tRun.sErrors, "");
     }

@@ -136,6 +136,32 @@ TEST(FIsValidURL, AsksThePlatformAndRefusesLineEnds) {
     }
 }
 
+TEST(FIsValidURI, TakesAbsoluteAndRelativeOnes) {
+    struct {
+        wstring sText;
+        bool fExpected;
+    } const atRows[] = {
+        {L"http://host:80/path?query#fragment", true},
+        {L"urn:isbn:0451450523", true},
+        {L"mailto:a@b.c", true},
+        {L"/path/only", true},
+        {L"path", true},
+        {L"?query", true},
+        {L"http://host/a%20b", true},
+        {L"http://host/a b", false},
+        {L"http://host/<a>", false},
+        {L"http://host/\u00E4", false},
+        {L"http://host/\xD83D", false},
+        {L"http://host/\n", false},
+        {L"1http://host", false},
+        {L"a\0 "s, true}, // it reads up to a zero
+    };
+    for (auto const & tRow : atRows)
+        EXPECT_EQ(fIsValidURI(tRow.sText), tRow.fExpected) << PrintToString(tRow.sText);
+    EXPECT_TRUE(fIsValidURI(L"http://host/" + wstring(100'000, L'a')));
+    EXPECT_FALSE(fIsValidURI(L"http://host/" + wstring(100'000, L' ')));
+}
+
 // E-mail addresses
 
 namespace {

@@ -15,8 +15,28 @@ extern TCommand const tDateCommand;
 extern TCommand const tSortCommand;
 extern TCommand const tProfileCommand;
 extern TCommand const tLanguagesCommand;
+extern TCommand const tXmlTextCommand;
+extern TCommand const tXmlNameCommand;
+extern TCommand const tXPathLiteralCommand;
+extern TCommand const tBase64Command;
+extern TCommand const tUriCommand;
 
+// clang-format off
 inline constexpr std::array pCommands{
-    &tStoreCommand,   &tShowCommand, &tHoldCommand, &tWhoCommand,     &tAliasCommand,
-    &tDecimalCommand, &tDateCommand, &tSortCommand, &tProfileCommand, &tLanguagesCommand,
+    &tStoreCommand,
+    &tShowCommand,
+    &tHoldCommand,
+    &tWhoCommand,
+    &tAliasCommand,
+    &tDecimalCommand,
+    &tDateCommand,
+    &tSortCommand,
+    &tProfileCommand,
+    &tLanguagesCommand,
+    &tXmlTextCommand,
+    &tXmlNameCommand,
+    &tXPathLiteralCommand,
+    &tBase64Command,
+    &tUriCommand,
 };
+// clang-format on

@@ -1,52 +1,14 @@
 // zk sort: lines in the order of tables that mix numbers and words.
 #include "tools/zk/Commands.h"
 #include "tools/zk/Console.h"
+#include "tools/zk/Input.h"
 
-#include "ZkTools/Exceptions.h"
-#include "ZkTools/FileStream.h"
 #include "ZkTools/Strings.h"
 
 #include <algorithm>
 #include <array>
 
 namespace {
-
-std::wstring sDecode(UINT uCodePage, std::string_view sBytes) {
-    if (sBytes.empty()) return {};
-    int const iBytes = static_cast<int>(sBytes.size());
-    int const iUnits = MultiByteToWideChar(uCodePage, MB_ERR_INVALID_CHARS, sBytes.data(), iBytes, nullptr, 0);
-    if (iUnits <= 0) throw TXZkTools(L"%s", sGetErrorString(GetLastError()).c_str());
-    std::wstring sText(static_cast<std::size_t>(iUnits), L'\0');
-    MultiByteToWideChar(uCodePage, 0, sBytes.data(), iBytes, sText.data(), iUnits);
-    return sText;
-}
-
-/// The text of a file: UTF-16 behind its mark, UTF-8 otherwise.
-std::wstring sReadText(std::wstring const & sPath) {
-    TFStream tFile(sPath.c_str(), FS_SHARE_ALL | FS_BINARY);
-    std::string sBytes(tFile.dwGetSize(), '\0');
-    if (!sBytes.empty()) tFile.ReadData(sBytes.data(), static_cast<unsigned long>(sBytes.size()));
-    std::string_view sRest = sBytes;
-    if (sRest.starts_with("\xFF\xFE")) {
-        std::wstring sText((sRest.size() - 2) / sizeof(wchar_t), L'\0');
-        std::copy_n(sRest.data() + 2, sText.size() * sizeof(wchar_t), reinterpret_cast<char *>(sText.data()));
-        return sText;
-    }
-    if (sRest.starts_with("\xEF\xBB\xBF")) sRest.remove_prefix(3);
-    return sDecode(CP_UTF8, sRest);
-}
-
-/// All of the standard input: UTF-8, but what is typed at a console comes in the console's code page.
-std::wstring sReadInput() {
-    HANDLE const hInput = GetStdHandle(STD_INPUT_HANDLE);
-    std::string sBytes;
-    std::array<char, 65536> acPiece;
-    DWORD dwRead = 0;
-    while (ReadFile(hInput, acPiece.data(), static_cast<DWORD>(acPiece.size()), &dwRead, nullptr) && dwRead != 0)
-        sBytes.append(acPiece.data(), dwRead);
-    DWORD dwMode = 0;
-    return sDecode(GetConsoleMode(hInput, &dwMode) ? GetConsoleCP() : CP_UTF8, sBytes);
-}
 
 /// Lines end in LF or CR LF; the last one may lack its end.
 std::vector<std::wstring> sGetLines(std::wstring const & sText) {
@@ -59,8 +21,7 @@ std::vector<std::wstring> sGetLines(std::wstring const & sText) {
 }
 
 EExit eSort(TArguments const & tArguments) {
-    std::vector<std::wstring> sLines =
-        sGetLines(tArguments.uGetCount() != 0 ? sReadText(tArguments.sGet(0)) : sReadInput());
+    std::vector<std::wstring> sLines = sGetLines(sReadText(tArguments, 0));
     if (sLines.empty()) return eDone;
     bool const fReverse = tArguments.fHas(L"--reverse");
     std::ranges::stable_sort(sLines, [fReverse](std::wstring const & s1, std::wstring const & s2) {
