@@ -366,6 +366,18 @@ TEST(TOptionBytes, NoBytesNeedNoMemory) {
     EXPECT_EQ(tElement.sGetText(), L"");
 }
 
+TEST(TOptionBytes, NoBytesAndNoTextAreNoMatterOfTheSystem) {
+    // Windows refuses both; Wine takes them.
+    zk_test::TSystemCall<"CryptStringToBinaryW", decltype(CryptStringToBinaryW)> const tDecode(
+        [](LPCWSTR, DWORD, DWORD, BYTE *, DWORD *, DWORD *, DWORD *) {
+            return zk_test::tFailWith(ERROR_INVALID_PARAMETER, FALSE);
+        });
+    zk_test::TSystemCall<"CryptBinaryToStringW", decltype(CryptBinaryToStringW)> const tEncode(
+        [](BYTE const *, DWORD, DWORD, LPWSTR, DWORD *) { return zk_test::tFailWith(ERROR_INVALID_PARAMETER, FALSE); });
+    EXPECT_EQ(tRead<TBytes>(L"", {9, 9}), TBytes());
+    EXPECT_EQ(sWriteBytes({}), L"");
+}
+
 TEST(TOptionBytes, TextThatIsNoneFails) {
     TOptionElement const tElement = tMakeElement(L"!");
     TBytes tBytes{1};
