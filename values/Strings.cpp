@@ -52,9 +52,8 @@ bool fIsMultilineString(std::wstring_view const & sText) noexcept {
 
 void SaveXmlText(std::wstringstream & stream, std::wstring & sOut, bool fStrip) {
     std::streamoff const iLength = stream.tellp();
-    if (iLength < 0) return;
     std::streamoff const iStart = stream.tellg();
-    if (iStart < 0 || iStart >= iLength) return;
+    if (iStart < 0 || iStart >= iLength) return; // both are -1 in a failed state
 
     std::wstring sText(static_cast<std::size_t>(iLength - iStart), L'\0');
     stream.read(sText.data(), static_cast<std::streamsize>(sText.size()));

@@ -261,6 +261,7 @@ TEST(TArrayAsVector, IsEmptyWhenItsFirstElementCannotBeCopied) {
     struct TStubborn {
         TStubborn() = default;
         TStubborn(TStubborn const &) { throw std::bad_alloc(); }
+        TStubborn & operator=(TStubborn const &) = default;
     };
     TArrayAsVector<TStubborn> tArray(0);
     EXPECT_THROW(tArray.Add(TStubborn()), std::bad_alloc);

@@ -55,6 +55,9 @@ TEST(PzStrNFill, PadsToTheLengthAndNeverShortens) {
         EXPECT_STREQ(acBuffer.data(), tRow.pzExpected);
         EXPECT_EQ(acBuffer[std::wcslen(tRow.pzExpected) + 1], L'#') << "written past the end";
     }
+    auto * const pzReadOnly = const_cast<wchar_t *>(L"abcde"); // a text that is long enough is not written to at all
+    for (int const iLen : {5, 3, -1})
+        EXPECT_EQ(pzStrNFill(pzReadOnly, iLen, L'-'), pzReadOnly);
 }
 
 TEST(PzStrip, RemovesBlanksAtTheEndOnly) {
