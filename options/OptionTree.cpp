@@ -91,9 +91,7 @@ TOptionElement::TOptionElement(TOptionElement && tOther) noexcept : TOptionEleme
 }
 
 TOptionElement & TOptionElement::operator=(TOptionElement && tOther) noexcept {
-    if (this == &tOther) return *this;
-    TOptionElement tTaken(std::move(tOther)); // first, since it may stand somewhere below this element
-    tAttributes.Flush();
+    TOptionElement tTaken(std::move(tOther)); // first, since it may be this element, or stand somewhere below it
     DestroyChildren();
     TakeOver(tTaken);
     return *this;
@@ -103,7 +101,7 @@ TOptionElement::~TOptionElement() {
     DestroyChildren();
 }
 
-/// Takes all that the other has, as a move does. This element has neither attributes nor children.
+/// Takes all that the other has, as a move does. This element has no children; its attributes go.
 void TOptionElement::TakeOver(TOptionElement & tOther) noexcept {
     pParent = tOther.pParent;
     sName = std::move(tOther.sName);

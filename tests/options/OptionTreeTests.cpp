@@ -115,6 +115,8 @@ TEST(TOptionAttribute, ComparesByItsName) {
     TOptionAttribute tSecond;
     tFirst.sValue = L"1";
     EXPECT_TRUE(tFirst == tSecond);
+    EXPECT_FALSE(tFirst < tSecond);
+    EXPECT_FALSE(tSecond < tFirst);
     tFirst.sName = L"ab";
     tSecond.sName = L"b";
     EXPECT_FALSE(tFirst == tSecond);

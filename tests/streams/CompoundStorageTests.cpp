@@ -753,6 +753,7 @@ TEST(TIStreamString, ANegativeSizeGivesNoTextAndPassesOverIt) {
         TFakeStream tFake(sForm(uSize, wstring(5000, L'x')));
         EXPECT_EQ(sReadString(tFake), L"");
         EXPECT_EQ(tFake.uPosition, tFake.sBytes.size()); // the size is nearly 4 GiB
+        EXPECT_EQ(tFake.sCalls, "Read 2; Read 4096; Read 4096; Read 4096"); // it ends with the stream
         TFakeStream tEnd(sForm(uSize, L""));
         EXPECT_EQ(sReadString(tEnd), L"");
         TFakeStream tFails(sForm(uSize, wstring(5000, L'x')));

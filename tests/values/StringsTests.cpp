@@ -1,6 +1,9 @@
 #include "ZkTools/Strings.h"
 
 #include "ZkBase/Windows.h"
+
+#include <rpc.h>
+
 #include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 #include "tests/values/NumberMachine.h"
@@ -228,6 +231,8 @@ TEST(FGetNumOccurence, ReadsWordsRangesAndNumbers) {
         {L"1..2x", L"*", 1, 2, true},
         {L"1.. 2", L"*", 1, 2, true},
         {L"3x", L"*", 3, 3, true},
+        {L"3:", L"*", 3, 3, true}, // what stands beside the digits is none
+        {L"3/", L"*", 3, 3, true},
         {L"3.", L"*", 3, 3, true},
         {L"3..", L"*", 3, 3, true},
         {L"3...4", L"*", 3, 3, true},
@@ -488,8 +493,12 @@ TEST(SGetXmlTemplate, IsEmptyWhereTheSystemFails) {
         EXPECT_EQ(sGetXMLTemplateWide(hModule, uTemplate), L"");
     };
     {
-        TSystemCall<"SizeofResource", decltype(SizeofResource)> const tCall([](HMODULE, HRSRC) -> DWORD { return 0; });
+        DWORD dwSize = 0;
+        TSystemCall<"SizeofResource", decltype(SizeofResource)> const tCall([&](HMODULE, HRSRC) { return dwSize; });
         ExpectEmpty();
+        dwSize = 1;
+        EXPECT_EQ(sGetXMLTemplate(hModule, uTemplate), "<");
+        EXPECT_EQ(sGetXMLTemplateWide(hModule, uTemplate), L"<");
     }
     {
         TSystemCall<"LoadResource", decltype(LoadResource)> const tCall(
@@ -520,6 +529,23 @@ TEST(SGetUuid, IsThePlatformsTextWithoutBraces) {
         sAll.insert(sUuid);
     }
     EXPECT_EQ(sAll.size(), 1000u);
+}
+
+TEST(SGetUuid, FreesThePlatformsText) {
+    using TMake = TSystemCall<"UuidToStringW", decltype(UuidToStringW)>;
+    using TFree = TSystemCall<"RpcStringFreeW", decltype(RpcStringFreeW)>;
+    RPC_WSTR pzMade = nullptr;
+    TMake tMake([&](auto * pUuid, RPC_WSTR * ppzText) {
+        RPC_STATUS const iStatus = tMake.Original(pUuid, ppzText);
+        pzMade = *ppzText;
+        return iStatus;
+    });
+    TFree tFree([&](RPC_WSTR * ppzText) {
+        EXPECT_EQ(*ppzText, pzMade);
+        return tFree.Original(ppzText);
+    });
+    EXPECT_EQ(sGetUuid().size(), 36u);
+    EXPECT_EQ(tFree.iGetCalls(), 1);
 }
 
 // Numbers for the user
