@@ -1,4 +1,4 @@
-/// Reader and writer places on a directory, across processes and machines, without a lock service.
+/// Reader and writer places on a directory or on a file in it, across processes and machines, without a lock service.
 ///
 /// Everything rests on two promises of the file system: a file opened without sharing cannot be opened again, and a
 /// file opened with `FILE_FLAG_DELETE_ON_CLOSE` vanishes when its last handle closes, also when its process dies. A
@@ -11,12 +11,14 @@
 /// | `write.lck`                      | the writer                                            |
 /// | `write%COMPUTER%USER%.tmp`       | the writer, to say who it is                          |
 ///
-/// There are many readers and at most one writer. Nothing here waits or tries again: each test is a single look.
+/// There are many readers and at most one writer. Each test is a single look; nothing waits or tries again but
+/// `TFileReaderLock`.
 #pragma once
 
 #include "ZkBase/Windows.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/Export.h"
+#include "ZkTools/FileStream.h"
 
 #include <array>
 #include <stdexcept>
@@ -161,4 +163,85 @@ protected:
     int iLockCount = 0;                        ///< nesting depth of `Lock`
     EMode eMode;
     std::array<unsigned int, 7> uiErrorIds; ///< by `EErrorString`
+};
+
+/// The same for one file of a directory, so that several of its files can have writers at the same time.
+///
+/// Only the writer place is that of the file: `write%FILE.lck` and `write%COMPUTER%USER%FILE.tmp`. Reader places stay
+/// those of the directory, so that in `eModeStrict` two of its files can't be locked while the holder of the other one
+/// keeps a reader place. The writer of the directory and those of its files don't see each other. Messages name the
+/// file.
+class ZKTOOLS_API TLockFile : public TLockDirectory {
+public:
+    /// `SetDir` must follow.
+    explicit TLockFile(EMode eMode);
+    /// \param pzDirectory see SetDir
+    /// \param pzFileName  see SetDir
+    TLockFile(EMode eMode, wchar_t const * pzDirectory, wchar_t const * pzFileName);
+    /// A copy shares the handles: only one of the two may close them, and the destructor does.
+    TLockFile(TLockFile const & tOther);
+    TLockFile & operator=(TLockFile const & tOther);
+    /// A move is a copy, which leaves the handles in the source as well; only the file's name is taken out of it.
+    TLockFile(TLockFile && tOther);
+    TLockFile & operator=(TLockFile && tOther);
+    ~TLockFile() override;
+
+    /// Names what is to be locked. Places that are taken already stay as they are.
+    /// \param pzDirectory the directory, with or without a backslash at its end; never null
+    /// \param pzFileName  the name of a file in it, which need not exist; never null
+    void SetDir(wchar_t const * pzDirectory, wchar_t const * pzFileName) override;
+
+    /// The path of the file.
+    [[nodiscard]] std::wstring sGetPathOfObjectToLock() const;
+
+protected:
+    /// The name of the file, without the directory.
+    wchar_t const * pzGetNameOfObjectToLock() override;
+
+    /// Sets the message ids of this class.
+    void FillErrorStringIds() noexcept;
+
+    std::wstring sFileName; ///< as given to `SetDir`
+};
+
+/// Holds a file open for reading, so that nobody writes to it, and waits for that as long as somebody does. Other
+/// readers are let in. It leaves no lock file and knows nothing of the locks above.
+///
+/// A handle that can't be closed, because somebody else has closed it, is a defect of the program: a system exception
+/// is raised then that can't be continued, with the `HRESULT` of the error as its code.
+class ZKTOOLS_API TFileReaderLock {
+public:
+    /// Takes nothing yet.
+    explicit TFileReaderLock(std::wstring const & sPath);
+    TFileReaderLock(TFileReaderLock const &) = delete;
+    TFileReaderLock & operator=(TFileReaderLock const &) = delete;
+    virtual ~TFileReaderLock();
+
+    /// Opens the file, and tries again every 100 ms while somebody else has it open in a way that keeps this one out. A
+    /// handle that is held already goes after the first try, whether that one succeeds or not.
+    /// \param dwTimeoutSeconds 0 makes one attempt. The limit is reckoned in 32 bits of milliseconds: what is above
+    ///                         4,294,967 seconds counts from 0 again.
+    /// \throws TXZkTools with the system's reason alone, a sharing violation when the time is over; anything else at
+    ///         once
+    void Lock(unsigned long dwTimeoutSeconds);
+    /// Closes the file; nothing when it isn't held.
+    void UnLock();
+
+private:
+    [[nodiscard]] HANDLE TryOpenFile() const;
+
+    std::wstring sPath;
+    TFileHandle hFile;
+};
+
+/// Calls `Unlock` of a lock at the end of a scope. It doesn't lock, and the lock must outlive it.
+class ZKTOOLS_API TDirectoryUnlocker {
+public:
+    explicit TDirectoryUnlocker(TLockDirectory & tLock) noexcept;
+    TDirectoryUnlocker(TDirectoryUnlocker const &) = delete;
+    TDirectoryUnlocker & operator=(TDirectoryUnlocker const &) = delete;
+    ~TDirectoryUnlocker();
+
+private:
+    TLockDirectory & tLock;
 };

@@ -325,7 +325,7 @@ TEST(ReplaceEx, FallsBackOnAMove) {
     std::wstring const sSource = tTemp.sWrite(L"source", "new");
     std::wstring const sTarget = tTemp.sWrite(L"target", "old");
     TSleep const tSleep([](DWORD) {});
-    for (DWORD const dwError : {ERROR_UNABLE_TO_REMOVE_REPLACED, ERROR_NOT_SUPPORTED}) {
+    for (DWORD const dwError : {DWORD{ERROR_UNABLE_TO_REMOVE_REPLACED}, DWORD{ERROR_NOT_SUPPORTED}}) {
         TReplaceFile const tReplace([&](auto...) { return tFailWith(dwError, FALSE); });
         zk_test::WriteFileBytes(sSource, "new");
         zk_test::WriteFileBytes(sTarget, "old");

@@ -75,6 +75,22 @@ TEST_F(Hold, KeepsTheWriterPlaceUntilItsInputEnds) {
     EXPECT_EQ(sList(), L"main.dat");
 }
 
+TEST_F(Hold, KeepsTheWriterPlacesOfTwoFilesAtOnce) {
+    TTool tFirst({L"hold", sDir(), L"a.dat", L"--write", L"--file"});
+    EXPECT_EQ(tFirst.tGet().sHear(), "holding the writer place of a.dat in " + sNarrowDir());
+    TTool tSecond({L"hold", sDir(), L"b.dat", L"--file", L"--write"});
+    EXPECT_EQ(tSecond.tGet().sHear(), "holding the writer place of b.dat in " + sNarrowDir());
+    EXPECT_EQ(sList(), L"main.dat|rdr%OWN.tmp|rdr%OWN_2.tmp|write%OWNa.dat.tmp|write%OWNb.dat.tmp|write%a.dat.lck|"
+                       L"write%b.dat.lck");
+    TToolRun const tRun = tRunTool({L"hold", sDir(), L"a.dat", L"--write", L"--file"});
+    EXPECT_EQ(tRun.dwExit, 1u);
+    EXPECT_EQ(tRun.sErrors, sMessage(IDS_FILE_LOCK_WRITER_KNOWN, L"a.dat", sGetOwnName().c_str()) + "\r\n" +
+                                sMessage(IDS_FILE_LOCK_FAILED, L"a.dat") + "\r\n");
+    EXPECT_EQ(tFirst.tEnd().dwExit, 0u);
+    EXPECT_EQ(tSecond.tEnd().dwExit, 0u);
+    EXPECT_EQ(sList(), L"main.dat");
+}
+
 TEST_F(Hold, KeepsAPlaceForSomeSeconds) {
     ULONGLONG const uStart = GetTickCount64();
     TToolRun const tRun = tRunTool({L"hold", L"--seconds", L"1", sDir(), L"--write", L"main.dat"}); // input has ended

@@ -16,8 +16,8 @@ struct TCommandHelp {
 constexpr TCommandHelp atCommands[] = {
     {L"store", "usage: zk store DIR OBJECT TAG [VERSION [VARIANT]]\r\n\r\nWrites"},
     {L"show", "usage: zk show DIR OBJECT\r\n\r\nPrints"},
-    {L"hold", "usage: zk hold DIR OBJECT --read|--write [--seconds N]\r\n\r\nKeeps"},
-    {L"who", "usage: zk who DIR OBJECT\r\n\r\nTells"},
+    {L"hold", "usage: zk hold DIR OBJECT --read|--write [--file] [--seconds N]\r\n\r\nKeeps"},
+    {L"who", "usage: zk who DIR OBJECT [--file]\r\n\r\nTells"},
     {L"alias", "usage: zk alias parse|file-name|compare TEXT"},
     {L"decimal", "usage: zk decimal TYPE VALUE [OTHER]\r\n\r\nChecks"},
     {L"date", "usage: zk date [DATE] [--since DATE]\r\n\r\nPrints"},
@@ -62,7 +62,7 @@ TEST(Tool, TellsWrongUsageOnTheErrorStream) {
         std::string sErrors;
     };
     std::string const sStore = "usage: zk store DIR OBJECT TAG [VERSION [VARIANT]]\r\n";
-    std::string const sHold = "usage: zk hold DIR OBJECT --read|--write [--seconds N]\r\n";
+    std::string const sHold = "usage: zk hold DIR OBJECT --read|--write [--file] [--seconds N]\r\n";
     std::string const sNumber = "zk hold: --seconds takes a whole number up to 4000000.\r\n" + sHold;
     std::vector<TCase> const tCases{
         {{}, "zk: A command is missing; zk --help tells all of them.\r\n"},
@@ -79,7 +79,7 @@ TEST(Tool, TellsWrongUsageOnTheErrorStream) {
         {{L"store", L"d", L"o", L"--"}, "zk store: Arguments are missing.\r\n" + sStore},
         {{L"show", L"d"}, "zk show: Arguments are missing.\r\nusage: zk show DIR OBJECT\r\n"},
         {{L"show", L"d", L"o", L"x"}, "zk show: There are too many arguments.\r\nusage: zk show DIR OBJECT\r\n"},
-        {{L"who", L"d"}, "zk who: Arguments are missing.\r\nusage: zk who DIR OBJECT\r\n"},
+        {{L"who", L"d"}, "zk who: Arguments are missing.\r\nusage: zk who DIR OBJECT [--file]\r\n"},
         {{L"hold", L"d", L"o"}, "zk hold: Either --read or --write is needed.\r\n" + sHold},
         {{L"hold", L"d", L"o", L"--read", L"--write"}, "zk hold: Either --read or --write is needed.\r\n" + sHold},
         {{L"hold", L"d", L"o", L"--read", L"--seconds"}, "zk hold: --seconds lacks its value.\r\n" + sHold},

@@ -60,6 +60,15 @@ TEST_F(Who, SweepsWhatCrashesLeft) {
     EXPECT_EQ(sListDirectory(sDir()), L"main.dat");
 }
 
+TEST_F(Who, TellsTheWriterOfAFile) {
+    TTool tWriter({L"hold", sDir(), L"a.dat", L"--write", L"--file"});
+    tWriter.Await();
+    std::string const sReaders = "readers: 1\r\n" + sOwn() + "\r\n";
+    EXPECT_EQ(tRunTool({L"who", sDir(), L"a.dat", L"--file"}).sOutput, sReaders + "writer: " + sOwn() + "\r\n");
+    EXPECT_EQ(tRunTool({L"who", sDir(), L"b.dat", L"--file"}).sOutput, sReaders + "writer: none\r\n");
+    EXPECT_EQ(sAsk(), sReaders + "writer: none\r\n");
+}
+
 TEST_F(Who, FailsInAMissingDirectory) {
     std::wstring const sMissing = tDirectory.sGetPath(L"missing");
     TToolRun const tRun = tRunTool({L"who", sMissing, L"main.dat"});

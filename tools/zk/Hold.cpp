@@ -12,6 +12,7 @@ namespace {
 constexpr std::array tHoldSwitches{
     TSwitch{L"--read", false},
     TSwitch{L"--write", false},
+    TSwitch{L"--file", false},
     TSwitch{L"--seconds", true},
 };
 
@@ -48,20 +49,20 @@ DWORD dwGetDuration(TArguments const & tArguments) {
     return dwSeconds * 1000;
 }
 
-EExit eHold(TArguments const & tArguments) {
-    bool const fWrite = tArguments.fHas(L"--write");
-    if (fWrite == tArguments.fHas(L"--read")) throw TWrongUsage{L"Either --read or --write is needed."};
-    DWORD const dwDuration = dwGetDuration(tArguments);
+/// What is held, in words.
+template <typename TLock>
+std::wstring sDescribePlace(TLock const & tLock, std::wstring const & sFile) {
+    if (tLock.fIsLocked())
+        return sFile.empty() ? L"the writer place in"
+                             : std::wstring(L"the writer place of ").append(sFile).append(L" in");
+    return tLock.fIsReadOnly() ? L"the object of the read-only directory" : L"a reader place in";
+}
 
-    hStop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    SetConsoleCtrlHandler(OnControl, TRUE);
-    TObjectLock tLock(tArguments.sGet(0), tArguments.sGet(1));
+template <typename TLock>
+EExit eKeep(TLock tLock, bool fWrite, DWORD dwDuration, std::wstring const & sFile) {
     tLock.Open();
     if (fWrite) tLock.Lock();
-    wchar_t const * pzPlace = fWrite                ? L"the writer place in"
-                              : tLock.fIsReadOnly() ? L"the object of the read-only directory"
-                                                    : L"a reader place in";
-    PrintLine(std::wstring(L"holding ").append(pzPlace).append(L" ").append(tLock.sGetDirectory()));
+    PrintLine(L"holding " + sDescribePlace(tLock, sFile) + L" " + tLock.sGetDirectory());
 
     if (dwDuration == INFINITE) CloseHandle(CreateThread(nullptr, 0, ReadInputToItsEnd, nullptr, 0, nullptr));
     WaitForSingleObject(hStop, dwDuration);
@@ -70,14 +71,29 @@ EExit eHold(TArguments const & tArguments) {
     return eDone;
 }
 
+EExit eHold(TArguments const & tArguments) {
+    bool const fWrite = tArguments.fHas(L"--write");
+    if (fWrite == tArguments.fHas(L"--read")) throw TWrongUsage{L"Either --read or --write is needed."};
+    DWORD const dwDuration = dwGetDuration(tArguments);
+
+    hStop = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    SetConsoleCtrlHandler(OnControl, TRUE);
+    std::wstring const sDirectory = tArguments.sGet(0);
+    std::wstring const sObject = tArguments.sGet(1);
+    if (tArguments.fHas(L"--file")) return eKeep(TSingleFileLock(sDirectory, sObject), fWrite, dwDuration, sObject);
+    return eKeep(TObjectLock(sDirectory, sObject), fWrite, dwDuration, {});
+}
+
 } // namespace
 
 TCommand const tHoldCommand{
     L"hold",
-    L"DIR OBJECT --read|--write [--seconds N]",
+    L"DIR OBJECT --read|--write [--file] [--seconds N]",
     L"Keeps a place in the directory DIR.",
     L"  --read       a reader place\n"
     L"  --write      a reader place and the writer place\n"
+    L"  --file       the writer place of the file OBJECT alone, in shared mode: other\n"
+    L"               files of DIR can have writers at the same time\n"
     L"  --seconds N  for N seconds; without it, until the standard input ends\n"
     L"\n"
     L"Prints a line as soon as it holds the place. Ctrl-C gives it up.\n",
