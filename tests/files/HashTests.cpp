@@ -1,7 +1,7 @@
 #include "ZkTools/Hash.h"
 
 #include "ZkTools/Exceptions.h"
-#include "tests/files/Archive.h"
+#include "tests/support/Archive.h"
 #include "tests/support/Handle.h"
 #include "tests/support/Handles.h"
 #include "tests/support/SystemCall.h"

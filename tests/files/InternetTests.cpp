@@ -2,7 +2,7 @@
 
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/MessageIds.h"
-#include "tests/files/HttpServer.h"
+#include "tests/support/HttpServer.h"
 #include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>
@@ -299,7 +299,7 @@ std::unique_ptr<TFormatMessage> pSystemText(wchar_t const * pzText) {
         EXPECT_EQ(pModule, GetModuleHandleW(L"wininet.dll"));
         EXPECT_NE(dwError, DWORD{ERROR_INVALID_HANDLE}); // that of the handles which were closed
         EXPECT_EQ(dwSize, 256U);
-        if (pzText == nullptr) return tFailWith(ERROR_MR_MID_NOT_FOUND, 0);
+        if (pzText == nullptr) return tFailWith<DWORD>(ERROR_MR_MID_NOT_FOUND, 0);
         std::copy_n(pzText, wcslen(pzText) + 1, pzBuffer);
         return static_cast<DWORD>(wcslen(pzText));
     });

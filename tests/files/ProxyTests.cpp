@@ -1,7 +1,7 @@
 #include "ZkTools/Internet.h"
 
-#include "tests/files/HttpServer.h"
 #include "tests/support/Handles.h"
+#include "tests/support/HttpServer.h"
 #include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>

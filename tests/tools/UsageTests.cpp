@@ -29,6 +29,9 @@ constexpr TCommandHelp atCommands[] = {
     {L"xpath-literal", "usage: zk xpath-literal TEXT\r\n\r\nPrints"},
     {L"base64", "usage: zk base64 encode|decode TEXT\r\n\r\nTurns"},
     {L"uri", "usage: zk uri path|escape|unescape|check TEXT\r\n\r\nTurns"},
+    {L"hash", "usage: zk hash FILE...\r\n\r\nPrints"},
+    {L"wc", "usage: zk wc PATH\r\n\r\nTells"},
+    {L"fetch", "usage: zk fetch URL FILE\r\n\r\nReads"},
 };
 
 } // namespace

@@ -20,6 +20,9 @@ extern TCommand const tXmlNameCommand;
 extern TCommand const tXPathLiteralCommand;
 extern TCommand const tBase64Command;
 extern TCommand const tUriCommand;
+extern TCommand const tHashCommand;
+extern TCommand const tWcCommand;
+extern TCommand const tFetchCommand;
 
 // clang-format off
 inline constexpr std::array pCommands{
@@ -38,5 +41,8 @@ inline constexpr std::array pCommands{
     &tXPathLiteralCommand,
     &tBase64Command,
     &tUriCommand,
+    &tHashCommand,
+    &tWcCommand,
+    &tFetchCommand,
 };
 // clang-format on

@@ -1,23 +1,16 @@
 // zk profile: the lines of a section of an initialisation file.
 #include "tools/zk/Commands.h"
 #include "tools/zk/Console.h"
+#include "tools/zk/FullPath.h"
 
-#include "ZkBase/Windows.h"
 #include "ZkTools/Exceptions.h"
 #include "ZkTools/Files.h"
 #include "ZkTools/ProfileSection.h"
 
 namespace {
 
-/// The system looks for a file without a directory among its own.
-std::wstring sGetAbsolute(std::wstring const & sPath) {
-    DWORD const dwSize = GetFullPathNameW(sPath.c_str(), 0, nullptr, nullptr);
-    std::wstring sFull(dwSize, L'\0');
-    sFull.resize(GetFullPathNameW(sPath.c_str(), dwSize, sFull.data(), nullptr));
-    return sFull;
-}
-
 EExit eProfile(TArguments const & tArguments) {
+    // The system looks for a file without a directory among its own.
     std::wstring const sFile = sGetAbsolute(tArguments.sGet(0));
     std::wstring const sSection = tArguments.sGet(1);
     ExistFileOrDirectory(sFile.c_str());
