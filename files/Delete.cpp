@@ -7,6 +7,7 @@
 #include "ZkTools/Paths.h"
 #include "files/FindFile.h"
 #include "files/LongPath.h"
+#include "files/ReadOnly.h"
 #include "files/ShellDelete.h"
 #include "files/TreeWalk.h"
 #include "frame/Failures.h"
@@ -25,8 +26,7 @@ void Check(BOOL fDone, std::wstring const & sPath) {
 
 /// A change of attributes that is refused is told by the delete behind it.
 void DeleteFileDirect(std::wstring const & sPath, DWORD dwAttributes) {
-    if (dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_READONLY) != 0)
-        SetFileAttributesLong(sPath.c_str(), dwAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+    ClearReadOnly(sPath.c_str(), dwAttributes);
     Check(DeleteFileLong(sPath.c_str()), sPath);
 }
 

@@ -26,6 +26,13 @@ public:
     /// Why there is no entry: 0 while there is one, `ERROR_NO_MORE_FILES` behind the last one.
     [[nodiscard]] DWORD dwGetLastError() const noexcept { return dwLastError; }
 
+    /// The size of the file in bytes.
+    [[nodiscard]] ULARGE_INTEGER tGetSize() const noexcept {
+        ULARGE_INTEGER tSize;
+        tSize.LowPart = tData.nFileSizeLow;
+        tSize.HighPart = tData.nFileSizeHigh;
+        return tSize;
+    }
     [[nodiscard]] bool fIsDirectory() const noexcept {
         return (tData.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     }

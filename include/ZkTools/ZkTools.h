@@ -6,6 +6,7 @@
 #include "ZkTools/ComError.h"
 #include "ZkTools/CompoundStorage.h"
 #include "ZkTools/Containers.h"
+#include "ZkTools/Copy.h"
 #include "ZkTools/DateTime.h"
 #include "ZkTools/DecimalValue.h"
 #include "ZkTools/DefaultValue.h"
