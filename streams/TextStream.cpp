@@ -2,11 +2,9 @@
 
 #include "ZkTools/FileStream.h"
 #include "ZkTools/Uri.h"
-#include "streams/CopyBytes.h"
 #include "streams/TextOutput.h"
 #include "streams/XmlText.h"
 
-#include <algorithm>
 #include <array>
 #include <cwchar>
 #include <utility>
@@ -18,36 +16,7 @@ constexpr wchar_t cCarriageReturn = 13;
 
 constexpr unsigned int uMostBytes = 1u << 31; // in one call: counts have 32 bits
 
-/// Hands pieces of text on to a function: short ones together, long ones as they are.
-template <typename TSink>
-class TPieces {
-public:
-    explicit TPieces(TSink const & fnSink_) : fnSink(fnSink_) {}
-
-    void Add(std::wstring_view sPiece) {
-        if (sPiece.size() > acHeld.size() - uHeld) {
-            HandOn();
-            if (sPiece.size() > acHeld.size() / 2) {
-                fnSink(sPiece);
-                return;
-            }
-        }
-        CopyBytes(acHeld.data() + uHeld, sPiece.data(), sPiece.size() * sizeof(wchar_t));
-        uHeld += sPiece.size();
-    }
-    void Add(wchar_t c) { Add(std::wstring_view(&c, 1)); }
-
-    /// To be called at the end.
-    void HandOn() {
-        std::wstring_view const sHeld(acHeld.data(), std::exchange(uHeld, 0));
-        if (!sHeld.empty()) fnSink(sHeld);
-    }
-
-private:
-    TSink const & fnSink;
-    std::size_t uHeld = 0;
-    std::array<wchar_t, 512> acHeld;
-};
+constexpr std::size_t uPieceUnits = 1024; // what is put together before it is written
 
 } // namespace
 
@@ -174,35 +143,32 @@ std::wstring TOTextStream::sGetXMLString(std::wstring_view sText, EXMLParams ePa
 
 void TOTextStream::WriteXML(std::wstring_view sText, EXMLParams eParams,
                             std::function<void(std::wstring_view)> fnSink) {
-    bool const fAttribute = (eParams & xmlEscapeAttribute) != 0;
-    bool const fEscapeTab = (eParams & xmlEscapeTab) != 0;
-    TPieces tPieces(fnSink);
+    std::array<wchar_t, uPieceUnits + uXmlSlack> acPiece;
     wchar_t const * p = sText.data();
     wchar_t const * const pEnd = p + sText.size();
     while (p != pEnd) {
-        wchar_t const * const pSpecial = pFindXmlSpecial(p, pEnd, fAttribute);
-        tPieces.Add(std::wstring_view(p, pSpecial));
-        if (pSpecial == pEnd) break;
-        p = pSpecial + 1;
-        tPieces.Add(sGetXmlForm(*pSpecial, fAttribute, fEscapeTab));
-        // Every CR has left with its line feed, which may be there already.
-        if (*pSpecial == cCarriageReturn && p != pEnd && *p == cLineFeed) ++p;
+        wchar_t * pTarget = acPiece.data();
+        EscapeXml(p, pEnd, pTarget, acPiece.data() + acPiece.size(), eParams);
+        fnSink(std::wstring_view(acPiece.data(), pTarget));
     }
-    tPieces.HandOn();
 }
 
 void TOTextStream::WriteXMLComment(std::wstring_view sText) {
-    auto const fnSink = [this](std::wstring_view sPiece) { Write(sPiece); };
-    TPieces tPieces(fnSink);
+    std::wstring sPiece;
+    sPiece.reserve(uPieceUnits);
     wchar_t cBefore = 0;
     for (wchar_t const c : sText) {
+        bool const fEndsPair = cBefore == cCarriageReturn && c == cLineFeed;
         // Deliberate: a CR at the very end stays alone: its line feed comes with the unit behind it.
-        if (cBefore == cCarriageReturn) tPieces.Add(cLineFeed);
-        bool const fDone = cBefore == cCarriageReturn && c == cLineFeed;
-        if (c == L'-' && cBefore == L'-') tPieces.Add(L' ');
-        if (c == cLineFeed && !fDone) tPieces.Add(cCarriageReturn);
-        if (!fDone) tPieces.Add(fIsValidXmlUnit(c) ? c : L'?');
+        if (cBefore == cCarriageReturn && !fEndsPair) sPiece += cLineFeed;
+        if (cBefore == L'-' && c == L'-') sPiece += L' ';
+        if (c == cLineFeed && !fEndsPair) sPiece += cCarriageReturn;
+        sPiece += fIsValidXmlUnit(c) ? c : L'?';
         cBefore = c;
+        if (sPiece.size() > uPieceUnits - 4) {
+            Write(sPiece);
+            sPiece.clear();
+        }
     }
-    tPieces.HandOn();
+    if (!sPiece.empty()) Write(sPiece);
 }

@@ -1,7 +1,9 @@
-// Text as XML: what each unit becomes, and the way to the next one that becomes something else.
+// Text as XML: what each unit becomes.
 #pragma once
 
-#include <string_view>
+#include "ZkTools/TextStream.h"
+
+#include <cstddef>
 
 /// True for a unit that XML takes. Halves of surrogate pairs are not: a character above 0xFFFF leaves as two question
 /// marks.
@@ -9,10 +11,10 @@
     return c < 0x20 ? c == 9 || c == 10 || c == 13 : c < 0xD800 || (c >= 0xE000 && c < 0xFFFE);
 }
 
-/// The first unit that needs a look: a control character, a character of markup (with `fAttribute` the quotes too), a
-/// refused unit.
-[[nodiscard]] wchar_t const * pFindXmlSpecial(wchar_t const * pText, wchar_t const * pEnd, bool fAttribute) noexcept;
+/// Room that has to be left in the target when a further unit is escaped. What is written behind the escaped text stays
+/// within it.
+constexpr std::size_t uXmlSlack = 32;
 
-/// What a unit at which that stopped becomes. A CR is itself, or its reference; its line feed follows with the next
-/// unit.
-[[nodiscard]] std::wstring_view sGetXmlForm(wchar_t c, bool fAttribute, bool fEscapeTab) noexcept;
+/// Escapes text as long as more room than the slack is left. Moves both pointers; `pText` comes to `pEnd` at last.
+void EscapeXml(wchar_t const *& pText, wchar_t const * pEnd, wchar_t *& pTarget, wchar_t const * pTargetEnd,
+               EXMLParams eParams) noexcept;

@@ -63,7 +63,7 @@ private:
     [[nodiscard]] wchar_t const * pzFindFrom(wchar_t const * pzText, bool fFold) const noexcept;
     [[nodiscard]] int iFindIn(wchar_t const * pzText, bool fFold) const noexcept;
     [[nodiscard]] int iFindNext(std::wstring_view sText, int iStart, bool fForward) const noexcept;
-    [[nodiscard]] bool fBeginsAt(wchar_t const * pText) const noexcept;
+    [[nodiscard]] bool fBeginsAt(wchar_t const * pText, bool fFold) const noexcept;
 
     wchar_t * pzPattern; // of malloc, in upper case unless case counts; null for none
     int iLength;

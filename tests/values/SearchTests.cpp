@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <clocale>
 #include <cstring>
@@ -333,7 +334,7 @@ TEST(TSearcher, FindsWhatThePlainSearchesFind) {
     for (int i = 0; i < 40'000; ++i) {
         TPlainSearch const tPlain{sRandom(tRandom, L"aAb-_", 3), tRandom() % 2 == 0, tRandom() % 2 == 0};
         TSearcher const tSearcher(tPlain.sPattern.c_str(), tPlain.fWholeToken, tPlain.fCaseSensitive);
-        wstring const sText = sRandom(tRandom, L"aAb-_", 16);
+        wstring const sText = sRandom(tRandom, L"aAb-_", i % 8 == 0 ? 60 : 16);
         auto const sWhat = [&] { return testing::PrintToString(tPlain.sPattern + L" in " + sText); };
         ASSERT_EQ(tSearcher.iFind(sText.c_str()), tPlain.iFind(sText)) << sWhat();
         int const iStart = static_cast<int>(tRandom() % 20) - 1;
@@ -342,6 +343,25 @@ TEST(TSearcher, FindsWhatThePlainSearchesFind) {
         ASSERT_EQ(tSearcher.iFindEx(sText, iStart, TSearcher::esdBackward), tPlain.iFindEx(sText, iStart, false))
             << sWhat() << iStart;
     }
+}
+
+TEST(TSearcher, LooksAtNothingBehindTheText) {
+    // Texts at every distance from the end of a page behind which none can be read.
+    constexpr std::size_t uPage = 4096;
+    auto * const pPages = static_cast<unsigned char *>(VirtualAlloc(nullptr, 2 * uPage, MEM_RESERVE, PAGE_NOACCESS));
+    ASSERT_NE(pPages, nullptr);
+    ASSERT_NE(VirtualAlloc(pPages, uPage, MEM_COMMIT, PAGE_READWRITE), nullptr);
+    for (std::size_t uUnits = 1; uUnits < 40; ++uUnits) {
+        auto * const pzText = reinterpret_cast<wchar_t *>(pPages + uPage) - uUnits;
+        std::fill_n(pzText, uUnits - 1, L'x');
+        pzText[uUnits - 1] = 0;
+        for (int const fCaseSensitive : {0, 1}) {
+            EXPECT_EQ(TSearcher(L"a", 0, fCaseSensitive).iFind(pzText), -1);
+            EXPECT_EQ(TSearcher(L"xxa", 1, fCaseSensitive).iFind(pzText), -1);
+            EXPECT_EQ(TSearcher(L"x", 1, fCaseSensitive).iFind(pzText), uUnits == 2 ? 0 : -1);
+        }
+    }
+    VirtualFree(pPages, 0, MEM_RELEASE);
 }
 
 TEST(TSearcher, FoldsEveryCharacterAsTheCLocaleDoes) {
