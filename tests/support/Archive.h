@@ -143,8 +143,10 @@ inline void PutMemberFields(std::string & sOut, TArchiveMember const & tMember, 
 
 /// What the hash of an archive with these members has to be, made the plain way.
 [[nodiscard]] inline std::wstring sContentsHash(std::vector<TArchiveMember> tMembers) {
-    std::ranges::sort(tMembers, {}, [](TArchiveMember const & tMember) {
-        return std::vector<unsigned char>(tMember.sName.begin(), tMember.sName.end());
+    std::ranges::sort(tMembers, [](TArchiveMember const & tLeft, TArchiveMember const & tRight) {
+        return std::ranges::lexicographical_compare(tLeft.sName, tRight.sName, [](char cLeft, char cRight) {
+            return static_cast<unsigned char>(cLeft) < static_cast<unsigned char>(cRight);
+        });
     });
     std::string sBlock;
     for (TArchiveMember const & tMember : tMembers) {

@@ -61,6 +61,13 @@ std::wstring sGetTempPath() {
     return sPath;
 }
 
+/// A path of the build as programs under test know it.
+std::wstring sGetHostPath(std::wstring sPath) {
+    std::ranges::replace(sPath, L'/', L'\\');
+    if (sPath.starts_with(L'\\')) sPath.insert(0, L"Z:"); // where Wine shows the root directory of its host
+    return sPath;
+}
+
 } // namespace
 
 namespace zk_test {
@@ -146,10 +153,11 @@ std::wstring sListDirectory(std::wstring const & sPath, std::wstring_view sSepar
 }
 
 std::wstring sGetSourcePath(std::wstring_view sName) {
-    std::wstring sPath = ZK_SOURCE_DIR;
-    std::ranges::replace(sPath, L'/', L'\\');
-    if (sPath.starts_with(L'\\')) sPath.insert(0, L"Z:"); // where Wine shows the root directory of its host
-    return sPath + L"\\" + std::wstring(sName);
+    return sGetHostPath(ZK_SOURCE_DIR) + L"\\" + std::wstring(sName);
+}
+
+std::wstring sGetPartPath(std::wstring_view sName) {
+    return sGetHostPath(ZK_PARTS_DIR) + L"\\" + std::wstring(sName);
 }
 
 std::wstring sLongForm(std::wstring const & sPath) {

@@ -43,6 +43,8 @@ void WriteFileBytes(std::wstring const & sPath, std::string_view sBytes);
 [[nodiscard]] std::wstring sListDirectory(std::wstring const & sPath, std::wstring_view sSeparator = L"|");
 /// The path of a file of this project's source tree.
 [[nodiscard]] std::wstring sGetSourcePath(std::wstring_view sName);
+/// The path of something that tests/parts/make has made; that is done on Debian alone.
+[[nodiscard]] std::wstring sGetPartPath(std::wstring_view sName);
 /// The path in the form that the system takes as it stands: behind `\\?\`.
 [[nodiscard]] std::wstring sLongForm(std::wstring const & sPath);
 
