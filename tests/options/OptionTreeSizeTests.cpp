@@ -142,6 +142,24 @@ TEST(TreesOfThreads, AreBuiltAtTheSameTimeAndDestroyedByOthers) {
         EXPECT_TRUE(tOfThread.empty());
 }
 
+TEST(TWideTree, LiesWhereTheLastOneLay) {
+    std::set<void const *> pFirst;
+    for (bool const fFirst : {true, false}) {
+        TOptionElement tRoot;
+        std::size_t uAgain = 0;
+        for (int i = 0; i < 10'000; ++i) {
+            TOptionElement const * const pChild = tRoot.pAddElement(L"child", L"");
+            TOptionAttribute const * const pAttribute = tRoot.pGetElementRW(i)->pAddAttribute(L"a", L"");
+            if (fFirst) {
+                pFirst.insert({pChild, pAttribute});
+            } else {
+                uAgain += pFirst.count(pChild) + pFirst.count(pAttribute);
+            }
+        }
+        EXPECT_TRUE(fFirst || uAgain > 10'000) << uAgain; // most of its 20'000 nodes
+    }
+}
+
 TEST(TreesOfDerivedElements, MayHaveAnySize) {
     struct TLarge : TOptionElement {
         std::array<char, 1000> acMore{};
