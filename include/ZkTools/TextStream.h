@@ -60,7 +60,8 @@ public:
     /// hyphen at the end parted from them.
     virtual void WriteXMLComment(std::wstring_view sText);
 
-    /// Makes the file, or empties it, and writes to it; a stream that was there is let go without `Flush`.
+    /// Makes the file, or empties it, and writes to it; a stream that was there is let go without `Flush`. Close
+    /// first to make the same file anew.
     /// \throws TXZkTools as `TFStream::Open`
     void Open(wchar_t const * pzName);
     /// Writes what the conversion holds, closes a file that was opened here, lets go of the caller's stream. Nothing
