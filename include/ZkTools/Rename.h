@@ -32,6 +32,8 @@ ZKTOOLS_API void Replace(wchar_t const * pzReplaced, wchar_t const * pzReplaceme
 /// new content at every moment, also when the process is killed: the content is copied into a neighbour of the target,
 /// its name with ".~1" behind it, which then takes the target's place. Only then the source goes; one that can't be
 /// deleted stays, and nothing tells. A neighbour that is left by a killed process is overwritten.
+///
+/// The two must not be the same file: as the source it would be deleted at the end.
 /// \throws TXZkTools with message 4231 (neighbour, source) when the copy fails, otherwise with message 4230 (neighbour,
 ///         target), and the system's reason. The source is intact, and the neighbour is gone where it can be deleted.
 ZKTOOLS_API void ReplaceEx(std::wstring const & sSource, std::wstring const & sTarget);
@@ -51,7 +53,8 @@ enum EDeleteFileOrFolder : int {
     eDeleteDirect = 0,    ///< at once and for good
     eDeleteAllowUndo = 1, ///< by the shell, into the recycle bin; the caller has initialised COM
     /// What could not be deleted is also put down for deletion at the next start of the machine, with all that is in
-    /// it. That takes an administrator's rights, and whether it could be put down is not told.
+    /// it. That takes an administrator's rights, and whether it could be put down is not told. A pattern is put down
+    /// as it stands, which deletes nothing.
     eDeleteAtRebootOnFailure = 4,
 };
 
@@ -71,7 +74,8 @@ ZKTOOLS_API void xZkDeleteFileOrFolder(std::wstring const & sPath, EDeleteFileOr
 ZKTOOLS_API bool fZkDeleteFileOrFolder(std::wstring const & sPath, EDeleteFileOrFolder eDelete);
 
 /// Deletes what is in a directory, names that begin with a point included, and keeps the directory. One that can't be
-/// searched, or isn't there, is empty; to the shell (`eDeleteAllowUndo`) it is a failure.
+/// searched, or isn't there, is empty; to the shell (`eDeleteAllowUndo`) it is a failure. Without the shell the empty
+/// path is the *current directory*.
 /// \param fRecursive false: files only, every subdirectory stays
 /// \throws TXZkTools with message 4220 (the item; the directory when the shell deletes) and the reason
 ZKTOOLS_API void xZkClearDirectory(std::wstring const & sDirectory, bool fRecursive, EDeleteFileOrFolder eDelete);

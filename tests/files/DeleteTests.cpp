@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@ namespace {
 
 using testing::PrintToString;
 using zk_test::fExists;
+using zk_test::hHold;
 using zk_test::sFailure;
 using zk_test::sListDirectory;
 using zk_test::tFailWith;
@@ -35,10 +37,6 @@ using TDebugOutput = TSystemCall<"OutputDebugStringW", decltype(OutputDebugStrin
 
 void MakeReadOnly(std::wstring const & sPath, DWORD dwFurther = 0) {
     ASSERT_TRUE(SetFileAttributesW(zk_test::sLongForm(sPath).c_str(), FILE_ATTRIBUTE_READONLY | dwFurther));
-}
-
-THandle hHold(std::wstring const & sPath) {
-    return THandle(CreateFileW(sPath.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 /// A tree of two levels with read-only, hidden and pointed items.
@@ -171,6 +169,18 @@ TEST(XZkDeleteFileOrFolder, TakesTheReadOnlyBitAndNoOther) {
     xZkDeleteFileOrFolder(tTemp.sGetPath(L"item"), eDeleteDirect);
     EXPECT_EQ(tSet, (std::vector<std::pair<std::wstring, DWORD>>{{tTemp.sGetPath(L"dir\\in"), dwIn & ~1u},
                                                                  {tTemp.sGetPath(L"item"), dwItem & ~1u}}));
+}
+
+TEST(XZkDeleteFileOrFolder, LeavesTheAttributesOfADirectoryAlone) {
+    TTempDirectory const tTemp;
+    std::wstring const sDirectory = tTemp.sMakeDirectory(L"dir");
+    // Wine has no read-only directories. To Windows they are a reason not to remove them.
+    TSystemCall<"GetFileAttributesW", decltype(GetFileAttributesW)> const tAttributes(
+        [&](LPCWSTR pzPath) { return tAttributes.Original(pzPath) | FILE_ATTRIBUTE_READONLY; });
+    TSetAttributes const tSetAttributes([](auto...) { return TRUE; });
+    xZkDeleteFileOrFolder(sDirectory, eDeleteDirect);
+    EXPECT_EQ(tSetAttributes.iGetCalls(), 0);
+    EXPECT_FALSE(fExists(sDirectory));
 }
 
 TEST(XZkDeleteFileOrFolder, TellsARefusedChangeOfAttributesByTheDelete) {
@@ -319,6 +329,17 @@ TEST(XZkClearDirectory, TakesWhatItCannotSearchForEmpty) {
     EXPECT_TRUE(fExists(sFile));
 }
 
+TEST(XZkClearDirectory, TakesTheEmptyPathForTheCurrentDirectory) {
+    TTempDirectory const tTemp;
+    MakeTree(tTemp);
+    std::array<wchar_t, 1024> acBefore{};
+    ASSERT_NE(GetCurrentDirectoryW(acBefore.size(), acBefore.data()), 0u);
+    ASSERT_TRUE(SetCurrentDirectoryW(tTemp.sGetPath().c_str()));
+    EXPECT_NO_THROW(xZkClearDirectory(L"", true, eDeleteDirect));
+    EXPECT_TRUE(SetCurrentDirectoryW(acBefore.data()));
+    EXPECT_EQ(sListDirectory(tTemp.sGetPath()), L"");
+}
+
 TEST(XZkClearDirectory, TellsWhatCannotBeDeletedAndWhy) {
     TTempDirectory const tTemp;
     MakeTree(tTemp);
@@ -376,6 +397,16 @@ TEST(EDeleteAtRebootOnFailure, PutsTheItemDownBehindWhatIsInIt) {
     EXPECT_EQ(tSchedule.sGetItems(), L"\\dir\\a|\\dir\\b\\.c\\1|\\dir\\b\\.c|\\dir\\b\\z|\\dir\\b|\\dir\\d|\\dir");
 }
 
+TEST(EDeleteAtRebootOnFailure, PutsAPatternDownAsItStands) {
+    TTempDirectory const tTemp;
+    tTemp.sWrite(L"a", "");
+    TSchedule const tSchedule(tTemp);
+    TDeleteFile const tDelete([](LPCWSTR) { return tFailWith(ERROR_SHARING_VIOLATION, FALSE); });
+    EXPECT_EQ(tThrownBy([&] { xZkDeleteFileOrFolder(tTemp.sGetPath(L"*"), eDeleteAtRebootOnFailure); }).what(),
+              sFailure(ERROR_SHARING_VIOLATION, 4220, tTemp.sGetPath(L"a").c_str()));
+    EXPECT_EQ(tSchedule.sGetItems(), L"\\*"); // which the system will not find
+}
+
 TEST(EDeleteAtRebootOnFailure, PutsDownWhatIsInADirectoryThatCouldNotBeCleared) {
     TTempDirectory const tTemp;
     tTemp.sWrite(L"a", "");
@@ -405,6 +436,16 @@ TEST(EDeleteAtRebootOnFailure, IsForFailuresOnly) {
     EXPECT_EQ(tSchedule.sGetItems(), L"");
     EXPECT_FALSE(fZkDeleteFileOrFolder(tTemp.sGetPath(L"missing"), eDeleteAtRebootOnFailure));
     EXPECT_EQ(tSchedule.sGetItems(), L"\\missing");
+}
+
+TEST(EDeleteAtRebootOnFailure, IsForFailuresOfTheFamilyOnly) {
+    TTempDirectory const tTemp;
+    std::wstring const sFile = tTemp.sWrite(L"file", "");
+    TSchedule const tSchedule(tTemp);
+    TDeleteFile const tDelete([](LPCWSTR) -> BOOL { throw std::logic_error("none of the family"); });
+    EXPECT_THROW(xZkDeleteFileOrFolder(sFile, eDeleteAtRebootOnFailure), std::logic_error);
+    EXPECT_THROW(xZkClearDirectory(tTemp.sGetPath(), true, eDeleteAtRebootOnFailure), std::logic_error);
+    EXPECT_EQ(tSchedule.sGetItems(), L"");
 }
 
 TEST(EDeleteFileOrFolder, CombinesItsBits) {

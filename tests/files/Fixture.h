@@ -30,6 +30,11 @@ private:
     std::wstring sDirectory;
 };
 
+/// Holds a file so that nobody can open, delete or replace it.
+inline THandle hHold(std::wstring const & sPath) {
+    return THandle(CreateFileW(sPath.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
 /// What is thrown, or an exception that says that nothing was.
 inline TXZkTools tThrownBy(std::function<void()> const & Call) {
     try {

@@ -2,12 +2,16 @@
 
 #include "ZkTools/MessageIds.h"
 #include "tests/files/Fixture.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Handle.h"
 #include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>
 
+#include <exception>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -15,6 +19,7 @@ namespace {
 using testing::PrintToString;
 using zk_test::fExists;
 using zk_test::fIsUnused;
+using zk_test::hHold;
 using zk_test::sFailure;
 using zk_test::sListDirectory;
 using zk_test::sReadFileBytes;
@@ -32,15 +37,25 @@ using TDeleteFile = TSystemCall<"DeleteFileW", decltype(DeleteFileW)>;
 using TCreateFile = TSystemCall<"CreateFileW", decltype(CreateFileW)>;
 using TSleep = TSystemCall<"Sleep", decltype(Sleep)>;
 
-/// Holds a file so that nobody can open, delete or replace it.
-THandle hHold(std::wstring const & sPath) {
-    return THandle(CreateFileW(sPath.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-}
-
 /// The text of a failure of the library alone.
 std::string sMessage(unsigned int uId) {
     return TXZkTools(uId).what();
 }
+
+/// Replaces a file by another one, and fails where the neighbour is deleted.
+zk_test::TChildRole const tReplacer(L"replacer", [](std::vector<std::wstring> const & sArguments) {
+    std::set_terminate([] {
+        zk_test::Say("ended");
+        TerminateProcess(GetCurrentProcess(), 42);
+    });
+    TDeleteFile const tDelete([&](LPCWSTR pzPath) -> BOOL {
+        if (std::wstring_view(pzPath).ends_with(L".~1")) throw std::runtime_error("no memory for the long form");
+        return tDelete.Original(pzPath);
+    });
+    ReplaceEx(sArguments.at(0), sArguments.at(1));
+    zk_test::Say("went on");
+    return 0;
+});
 
 } // namespace
 
@@ -148,6 +163,17 @@ TEST(RenameWithValidation, TakesWhiteSpaceOffBothEnds) {
     std::wstring const sMissing = tTemp.sGetPath(L"missing");
     EXPECT_EQ(tThrownBy([&] { RenameWithValidation(sMissing, L" " + sOld + L" ", true); }).what(),
               sFailure(ERROR_FILE_NOT_FOUND, 4230, sMissing.c_str(), sOld.c_str()));
+}
+
+TEST(RenameWithValidation, ReplacesAFileOnlyWhenToldTo) {
+    TTempDirectory const tTemp;
+    std::wstring const sOld = tTemp.sWrite(L"old", "old");
+    std::wstring const sNew = tTemp.sWrite(L"new", "new");
+    EXPECT_EQ(tThrownBy([&] { RenameWithValidation(sOld, sNew, false); }).what(),
+              sFailure(ERROR_ALREADY_EXISTS, 4230, sOld.c_str(), sNew.c_str()));
+    EXPECT_EQ(sReadFileBytes(sNew), "new");
+    RenameWithValidation(sOld, sNew, true);
+    EXPECT_EQ(sReadFileBytes(sNew), "old");
 }
 
 TEST(RenameWithValidation, RefusesASeparatorAtTheEnd) {
@@ -368,6 +394,16 @@ TEST(ReplaceEx, LeavesASourceThatCannotBeDeleted) {
         CreateFileW(sSource.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_NO_THROW(ReplaceEx(sSource, tTemp.sGetPath(L"target")));
     EXPECT_EQ(sListDirectory(tTemp.sGetPath()), L"source|target");
+}
+
+TEST(ReplaceEx, EndsTheProcessWhenTheNeighboursDeletionThrows) {
+    TTempDirectory const tTemp;
+    std::wstring const sSource = tTemp.sWrite(L"source", "new");
+    std::wstring const sTarget = tTemp.sWrite(L"target", "old");
+    zk_test::TChildProcess tChild(tReplacer, {sSource, sTarget});
+    EXPECT_EQ(tChild.sHear(), "ended");
+    EXPECT_EQ(tChild.dwWait(), 42u);
+    EXPECT_EQ(sReadFileBytes(sTarget), "new");
 }
 
 TEST(ReplaceEx, ReachesLongPaths) {
