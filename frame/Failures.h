@@ -1,4 +1,6 @@
 // The two orders in which a failure tells what failed and the system's reason for it. Every site uses one of them.
+//
+// Deliberate: in both the system's text goes in as the format, so that a percent sign in it is read as a conversion.
 #pragma once
 
 #include "ZkTools/Exceptions.h"
@@ -16,7 +18,6 @@ template <typename... TArgs>
 }
 
 /// The system's reason first, what failed behind it.
-/// Deliberate: the system's text goes in as the format, so that a percent sign in it is read as a conversion.
 template <typename... TArgs>
 [[nodiscard]] TXZkTools tReasonWithFailure(unsigned long dwError, unsigned int uMessageId, TArgs... tArgs) {
     TXZkTools tFailure(sGetErrorString(dwError).c_str());
