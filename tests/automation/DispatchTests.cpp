@@ -134,6 +134,7 @@ TEST(Dispatch, HandsOverEveryCountOfArgumentsInReverse) {
     EXPECT_EQ(tObject.iNamesLocale, 0x400u);
     EXPECT_EQ(tObject.iInvokeLocale, 0x400u);
     EXPECT_TRUE(tObject.fExcepInfoWasZero);
+    EXPECT_EQ(tObject.uArgErrBefore, 0u); // what is told where a server leaves it
 }
 
 TEST(Dispatch, TakesAnEmptyNameForTheDefaultMember) {
