@@ -35,8 +35,8 @@ public:
     ~TFStreamBase() override;
 
     /// Reads what there is up to `dwCount`: at the end of the file the rest of the target keeps its contents and
-    /// nothing is thrown. 0 bytes do nothing. \throws TXZkTools 4290 for a null target; without a buffer, 4260 behind
-    /// the system's text at the end of the file
+    /// nothing is thrown. 0 bytes do nothing.
+    /// \throws TXZkTools 4290 for a null target; without a buffer, 4260 behind the system's text at the end of the file
     void ReadData(void * pTarget, unsigned long dwCount) override;
     /// A null source or 0 bytes write nothing, but for the mark at position 0.
     void WriteData(void const * pSource, unsigned long dwCount) override;

@@ -15,7 +15,8 @@ enum EAutoComplete : int {
 
 /// Reads a registry value. True when it fitted into `dwSize` bytes at `pData`. Neither its type nor its length is told
 /// or checked: `dwType` is ignored, and what lies behind a shorter value stays as it was. A text need not be
-/// terminated. \param pzName null or empty for the key's default value
+/// terminated.
+/// \param pzName null or empty for the key's default value
 ZKTOOLS_API bool fRegistryGetValue(HKEY hKey, wchar_t const * pzSubKey, wchar_t const * pzName, unsigned long dwType,
                                    unsigned char * pData, unsigned long dwSize) noexcept;
 
