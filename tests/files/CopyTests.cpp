@@ -17,6 +17,7 @@ namespace {
 using testing::PrintToString;
 using zk_test::fExists;
 using zk_test::fIsUnused;
+using zk_test::hHold;
 using zk_test::sFailure;
 using zk_test::sListDirectory;
 using zk_test::sReadFileBytes;
@@ -47,10 +48,6 @@ WIN32_FILE_ATTRIBUTE_DATA tGetData(std::wstring const & sPath) {
     WIN32_FILE_ATTRIBUTE_DATA tData{};
     EXPECT_TRUE(GetFileAttributesExW(sPath.c_str(), GetFileExInfoStandard, &tData));
     return tData;
-}
-
-THandle hHold(std::wstring const & sPath) {
-    return THandle(CreateFileW(sPath.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 /// The text of a system error alone, as the library throws it.
@@ -294,6 +291,18 @@ TEST(CopyFiles, CopiesPlainFilesThatTheFilterTakes) {
     // The system finds names in their order here, and asks for no hidden file.
     EXPECT_EQ(tAsked, (std::vector{tTemp.sGetPath(L"from\\a"), tTemp.sGetPath(L"from\\b.txt"),
                                    tTemp.sGetPath(L"from\\refused")}));
+}
+
+TEST(CopyFiles, OverwritesFilesThatExist) {
+    TTempDirectory const tTemp;
+    for (wchar_t const * pzDirectory : {L"from", L"to"})
+        tTemp.sMakeDirectory(pzDirectory);
+    tTemp.sWrite(L"from\\a", "new");
+    tTemp.sWrite(L"to\\a", "old");
+    tTemp.sWrite(L"to\\b", "old");
+    CopyFiles(tTemp.sGetPath(L"from"), tTemp.sGetPath(L"to"), [](std::wstring const &) { return true; });
+    EXPECT_EQ(sReadFileBytes(tTemp.sGetPath(L"to\\a")), "new");
+    EXPECT_EQ(sReadFileBytes(tTemp.sGetPath(L"to\\b")), "old");
 }
 
 TEST(CopyFiles, TellsNothingOfAMissingSourceOrATargetThatCannotBeMade) {

@@ -1,6 +1,7 @@
 #include "ZkTools/Hash.h"
 
 #include "ZkTools/Exceptions.h"
+#include "tests/files/Fixture.h"
 #include "tests/support/Archive.h"
 #include "tests/support/Handle.h"
 #include "tests/support/Handles.h"
@@ -250,25 +251,16 @@ TEST(ZipFileHash, OpensForReadingAndSharesReadingOnly) {
     EXPECT_EQ(tCreate.iGetCalls(), 1);
 }
 
-/// A directory that only the long form of a path reaches: without it the system takes the point from its name.
-std::wstring sHardToReach(TTempDirectory const & tTemp) {
-    std::wstring const sOuter(200, L'o');
-    std::wstring const sMiddle = sOuter + L"\\" + std::wstring(100, L'm');
-    tTemp.sMakeDirectory(sOuter);
-    tTemp.sMakeDirectory(sMiddle);
-    tTemp.sMakeDirectory(sMiddle + L"\\dir.");
-    return sMiddle + L"\\dir.\\";
-}
-
 TEST(ZipFileHash, TakesPathsOfAnyLength) {
-    TTempDirectory const tTemp;
-    std::wstring const sDirectory = sHardToReach(tTemp);
-    std::wstring const sPath = tTemp.sWrite(sDirectory + L"a.zip", sMakeArchive(tThree));
-    EXPECT_EQ(sGetZipFileHash(sPath), pzThreeHash);
-    EXPECT_TRUE(fIsZipFile(sPath));
-    EXPECT_EQ(sGetFileHash(sPath), pzThreeHash);
-    std::wstring const sLongName = tTemp.sWrite(sDirectory + std::wstring(251, L'n') + L".zip", sMakeArchive(tThree));
-    EXPECT_EQ(sGetFileHash(sLongName), pzThreeHash);
+    zk_test::THardToReach const tHard;
+    std::wstring const sLongName = std::wstring(251, L'n') + L".zip";
+    for (wchar_t const * pzName : {L"a.zip", sLongName.c_str()}) {
+        std::wstring const sPath = tHard.sGetPath(pzName);
+        zk_test::WriteFileBytes(sPath, sMakeArchive(tThree));
+        EXPECT_EQ(sGetZipFileHash(sPath), pzThreeHash);
+        EXPECT_TRUE(fIsZipFile(sPath));
+        EXPECT_EQ(sGetFileHash(sPath), pzThreeHash);
+    }
 }
 
 // 65535 is the mark for "look at the ZIP64 record". minizip then does not count, and reads on behind the last entry.
