@@ -5,6 +5,7 @@
 #include "ZkTools/FileStream.h"
 #include "ZkTools/MessageIds.h"
 #include "ZkTools/Uri.h"
+#include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/VirtualSlot.h"
@@ -77,13 +78,6 @@ std::string sUtf16Swapped(std::wstring_view sText) {
     for (std::size_t u = 0; u < sBytes.size(); u += 2)
         std::swap(sBytes[u], sBytes[u + 1]);
     return sBytes;
-}
-
-wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
-    wstring sText(tRandom() % (uLongest + 1), L'\0');
-    for (wchar_t & c : sText)
-        c = sCharacters[tRandom() % sCharacters.size()];
-    return sText;
 }
 
 // The plain forms: unit by unit, with a flag for the last unit.
@@ -723,6 +717,18 @@ TEST_F(TOTextStreamFile, IsClosedWhenAnotherStreamIsSet) {
     EXPECT_EQ(sReadFileBytes(sPath), "a");
     tText.Write(L"b");
     EXPECT_EQ(tRaw.sTaken, "b");
+}
+
+TEST_F(TOTextStreamFile, IsClosedWhenAnotherFileIsOpened) {
+    TOTextStream tText(ecpUtf8, sPath.c_str());
+    tText.Write(L"a\xD83D");
+    wstring const sOther = tDirectory.sGetPath(L"other.xml");
+    tText.Open(sOther.c_str());
+    EXPECT_TRUE(fIsUnused(sPath));
+    EXPECT_EQ(sReadFileBytes(sPath), "a"); // what the conversion held is lost
+    tText.Write(L"\xDE00");
+    tText.Close();
+    EXPECT_EQ(sReadFileBytes(sOther), "\xEF\xBF\xBD");
 }
 
 TEST_F(TOTextStreamFile, TellsWhatCannotBeOpened) {

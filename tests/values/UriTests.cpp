@@ -2,6 +2,7 @@
 
 #include "ZkBase/Text.h"
 #include "ZkBase/Windows.h"
+#include "tests/support/Random.h"
 #include "tests/support/SystemCall.h"
 #include "tests/support/XmlDocument.h"
 
@@ -25,13 +26,7 @@ namespace {
 
 using std::wstring;
 using testing::PrintToString;
-
-wstring sRandom(std::mt19937 & tRandom, std::wstring_view sCharacters, std::size_t uLongest) {
-    wstring sText(tRandom() % (uLongest + 1), L'\0');
-    for (wchar_t & c : sText)
-        c = sCharacters[tRandom() % sCharacters.size()];
-    return sText;
-}
+using zk_test::sRandom;
 
 } // namespace
 
