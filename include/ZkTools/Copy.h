@@ -29,8 +29,7 @@ ZKTOOLS_API void DoCopyFile(wchar_t const * pzSource, wchar_t const * pzTarget, 
 /// The same, with a time of writing of its own for the copy, in UTC.
 /// \param pLastWrite null: that of the source
 /// \throws TXZkTools as above, or as `TFStream::Open` does when the copy, which stays, can't be opened for writing: it
-/// is
-///         read-only, or has 4 GiB and more
+///         is read-only, or has 4 GiB and more
 ZKTOOLS_API void DoCopyFile(wchar_t const * pzSource, wchar_t const * pzTarget, ECopyFile eCopy,
                             FILETIME const * pLastWrite);
 /// The same two. When the file could not be copied `GetLastError` tells why: `ERROR_FILE_EXISTS` for a target that

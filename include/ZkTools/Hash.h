@@ -29,5 +29,6 @@
 [[nodiscard]] ZKTOOLS_API std::wstring sMsiGetFileHash(std::wstring const & sPath);
 
 /// That of an archive (`sGetZipFileHash`) when `fIsZipFile` says so, otherwise that of the bytes. A damaged archive
-/// does not fall back on its bytes. \throws what the two throw
+/// does not fall back on its bytes.
+/// \throws what the two throw
 [[nodiscard]] ZKTOOLS_API std::wstring sGetFileHash(std::wstring const & sPath);

@@ -49,8 +49,8 @@ public:
     /// be destroyed.
     TSearcher & operator=(TSearcher const & tOther) noexcept;
 
-    /// Where the first hit begins, or -1. The empty pattern is found in front of every character, and at the end. A
-    /// null text holds nothing.
+    /// Where the first hit begins, or -1. The empty pattern is found in front of every character, and at the end. The
+    /// empty text, as a null one, holds nothing, not even that.
     [[nodiscard]] int iFind(wchar_t const * pzText) const noexcept;
     /// The hit nearest to a start: forward the first that begins at or behind it, backward the last that begins at or
     /// before it; or -1. The empty pattern is never found. Zeros within the text are characters like others.
@@ -72,6 +72,6 @@ private:
 };
 
 /// 1 when the `iLen` characters from `iPos` on are not part of a longer token, else 0: neither the character in front
-/// of them nor the one behind them belongs to a token. Behind the end of the text only the one in front counts. \param
-/// iPos at most the length of the text
+/// of them nor the one behind them belongs to a token. Behind the end of the text only the one in front counts.
+/// \param iPos at most the length of the text
 [[nodiscard]] ZKTOOLS_API int fIsWholeToken(wchar_t const * pzText, int iPos, int iLen) noexcept;

@@ -15,8 +15,8 @@
 [[nodiscard]] ZKTOOLS_API std::wstring sPathToURI(std::wstring const & sPath);
 
 /// The text with what may not stand in a URI as %XX, the percent sign included. The platform takes what is a URL for
-/// one and leaves its separators alone. \returns the empty text where the platform refuses, or the result does not fit
-/// in 2083 characters
+/// one and leaves its separators alone.
+/// \returns the empty text where the platform refuses, or the result does not fit in 2083 characters
 [[nodiscard]] ZKTOOLS_API std::wstring sStringToURI(std::wstring const & sText);
 
 /// The text with every %XX as the character of that number. A zero, also one that was escaped, ends it.
@@ -46,8 +46,8 @@
 /// a name may hold stay; those that it may not hold are dropped, and the next one that stays is in upper case: "first
 /// name" gives firstName. Behind an apostrophe or an accent (U+0027, U+0060, U+00B4) it is not: "don't" gives dont. A
 /// first colon stays, and what stands in front of it and behind it are names of their own, which may be empty. The
-/// empty text gives nothing. Halves of surrogate pairs may not stand in names. \throws std::bad_function_call for an
-/// empty function, when there is something to hand on
+/// empty text gives nothing. Halves of surrogate pairs may not stand in names.
+/// \throws std::bad_function_call for an empty function, when there is something to hand on
 ZKTOOLS_API void StreamXMLIdentifier(std::wstring_view sText, std::function<void(wchar_t)> fnSink);
 
 /// The same name as a string.
