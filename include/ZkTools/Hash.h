@@ -21,7 +21,7 @@
 /// members has a hash too.
 /// \throws std::runtime_error, and no TXZkTools, with a narrow text that names the step that failed ("unzGetGlobalInfo
 ///         failed"): for what can't be opened, is no archive or a damaged one, has a member packed by another method
-///         than stored, deflated or bzip2, is larger than 4 GiB, or has 65535 members and no ZIP64 record
+///         than stored, deflated or bzip2, is larger than 4 GiB, or has exactly 65535 members
 [[nodiscard]] ZKTOOLS_API std::wstring sGetZipFileHash(std::wstring const & sPath);
 
 /// The hash of a file's bytes.
