@@ -28,12 +28,17 @@ struct TInternetTraits {
 };
 using TInternetHandle = HandleWrapers::HandleT<TInternetTraits>;
 
+/// Without the line end that system and servers put behind their texts.
+std::wstring sWithoutLineEnd(std::wstring_view sText) {
+    return std::wstring(sText.substr(0, sText.find_last_not_of(L"\r\n ") + 1));
+}
+
 /// WinINet's own text for its error codes; those of the system it has none for.
 std::wstring sGetInternetErrorString(DWORD dwError) {
     wchar_t acText[dwMessageSize];
     DWORD const dwLength = FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE, GetModuleHandleW(L"wininet.dll"), dwError, 0,
                                           acText, dwMessageSize, nullptr);
-    return std::wstring(acText, dwLength);
+    return sWithoutLineEnd({acText, dwLength});
 }
 
 /// What the server said about the last failure.
@@ -44,8 +49,7 @@ std::wstring sGetLastResponse() {
     std::wstring sText(dwLength, L'\0');
     ++dwLength; // the string's own terminator has the room
     if (InternetGetLastResponseInfoW(&dwError, sText.data(), &dwLength) == FALSE) return {};
-    sText.resize(std::min<std::size_t>(dwLength, sText.size()));
-    return sText;
+    return sWithoutLineEnd(std::wstring_view(sText).substr(0, dwLength));
 }
 
 [[noreturn]] void ThrowInternetError(DWORD dwError, std::wstring const & sUrl) {

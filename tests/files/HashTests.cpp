@@ -559,4 +559,29 @@ TEST(GetFileHash, DoesNotFallBackOnTheBytesOfADamagedArchive) {
     EXPECT_EQ(sFailure([&] { static_cast<void>(sGetFileHash(sPath)); }), "unzGetGlobalInfo failed");
 }
 
+// A file that vanishes behind the look at its first bytes is an archive still, and cannot be opened.
+TEST(GetFileHash, FailsWhenTheFileVanishes) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"a.zip", sMakeArchive(tThree));
+    TSystemCall<"CreateFileW", decltype(CreateFileW)> tCreate([&](wchar_t const * pzPath, DWORD dwAccess, DWORD dwShare,
+                                                                  SECURITY_ATTRIBUTES * pSecurity, DWORD dwDisposition,
+                                                                  DWORD dwFlags, HANDLE hTemplate) {
+        if (tCreate.iGetCalls() == 2) DeleteFileW(pzPath);
+        return tCreate.Original(pzPath, dwAccess, dwShare, pSecurity, dwDisposition, dwFlags, hTemplate);
+    });
+    EXPECT_EQ(sFailure([&] { static_cast<void>(sGetFileHash(sPath)); }), "unzGetGlobalInfo failed");
+    EXPECT_EQ(tCreate.iGetCalls(), 2);
+}
+
+TEST(GetFileHash, FailsWhereAccessIsDenied) {
+    TTempDirectory const tTemp;
+    std::wstring const sPath = tTemp.sWrite(L"a.zip", sMakeArchive(tThree));
+    TSystemCall<"CreateFileW", decltype(CreateFileW)> const tCreate(
+        [](wchar_t const *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE) {
+            return tFailWith(ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
+        });
+    EXPECT_FALSE(fIsZipFile(sPath));
+    EXPECT_EQ(sHashFailure(sPath), "unzGetGlobalInfo failed");
+}
+
 } // namespace

@@ -386,6 +386,11 @@ TEST_F(InternetFailure, HasTheWordsOfTheServerBehindIt) {
     EXPECT_EQ(iNumber, -1);
 }
 
+TEST_F(InternetFailure, HasEachTextOnALineOfItsOwn) {
+    EXPECT_EQ(sFail(12003, L"System.\r\n", L"550 no\r\n550 file\r\n", 2),
+              "System.\r\n550 no\r\n550 file\r\n" + sMessage(pzUrl));
+}
+
 TEST_F(InternetFailure, HasTheWordsOfTheServerAlone) {
     EXPECT_EQ(sFail(12003, nullptr, L"550 no %s file", 2), "550 no %s file\r\n" + sMessage(pzUrl));
     EXPECT_EQ(iNumber, -1);
