@@ -38,12 +38,8 @@ public:
 
     void MoveTo(std::wstring & sTarget) {
         if (sSpilled.empty()) {
-            if (uCount <= sTarget.size()) {
-                sTarget.resize(uCount);
-                CopyBytes(sTarget.data(), acUnits, uCount * sizeof(wchar_t));
-            } else {
-                sTarget.assign(acUnits, uCount);
-            }
+            sTarget.resize(uCount);
+            CopyBytes(sTarget.data(), acUnits, uCount * sizeof(wchar_t));
         } else {
             Spill();
             sTarget = std::move(sSpilled);
