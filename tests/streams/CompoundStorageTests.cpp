@@ -752,7 +752,7 @@ TEST(TIStreamString, ANegativeSizeGivesNoTextAndPassesOverIt) {
     for (std::uint16_t const uSize : {std::uint16_t{0x8000}, std::uint16_t{0xFFFE}, std::uint16_t{0xFFFF}}) {
         TFakeStream tFake(sForm(uSize, wstring(5000, L'x')));
         EXPECT_EQ(sReadString(tFake), L"");
-        EXPECT_EQ(tFake.uPosition, tFake.sBytes.size()); // the size is nearly 4 GiB
+        EXPECT_EQ(tFake.uPosition, tFake.sBytes.size());                    // the size is nearly 4 GiB
         EXPECT_EQ(tFake.sCalls, "Read 2; Read 4096; Read 4096; Read 4096"); // it ends with the stream
         TFakeStream tEnd(sForm(uSize, L""));
         EXPECT_EQ(sReadString(tEnd), L"");
