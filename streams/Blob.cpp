@@ -25,12 +25,14 @@ namespace {
 /// What is really taken from the system for a capacity: that and the guard byte, rounded up to half a power of two. The
 /// capacity grows byte by byte where a block is written without reserving, and the memory moves only when the rounded
 /// size changes: in all, writing stays linear.
-std::size_t uGetAllocation(std::size_t uCapacity) noexcept {
-    constexpr std::size_t uSmallest = 64;
-    std::size_t const uNeeded = uCapacity + 1;
+std::size_t uGetAllocation(unsigned long dwCapacity) noexcept {
+    constexpr std::uint64_t uSmallest = 64;
+    std::uint64_t const uNeeded = std::uint64_t{dwCapacity} + 1;
     if (uNeeded <= uSmallest) return uSmallest;
-    std::size_t const uStep = std::bit_floor(uNeeded - 1) / 2;
-    return (uNeeded + uStep - 1) / uStep * uStep;
+    std::uint64_t const uStep = std::bit_floor(uNeeded - 1) / 2;
+    // Where addresses have 32 bits, what is beyond them is more than the system can give.
+    return static_cast<std::size_t>(
+        std::min<std::uint64_t>((uNeeded + uStep - 1) / uStep * uStep, std::numeric_limits<std::size_t>::max()));
 }
 
 unsigned long dwChecked(std::uint64_t uSize) {
@@ -41,7 +43,7 @@ unsigned long dwChecked(std::uint64_t uSize) {
 } // namespace
 
 TBlob::TBlob(unsigned long dwSize) {
-    if (dwSize != 0) Reserve(dwSize);
+    if (dwSize != 0) Reserve(dwSize, 0);
 }
 
 TBlob::TBlob(void const * pMemory, unsigned long dwSize) noexcept {
@@ -56,8 +58,8 @@ TBlob & TBlob::operator=(TBlob const & tOther) {
     if (this == &tOther) return *this;
     Release();
     if (tOther.pData != nullptr) {
-        Reserve(tOther.dwCapacity);
-        std::memcpy(pData, tOther.pData, tOther.dwCapacity);
+        Reserve(tOther.dwCapacity, tOther.dwUsed);
+        std::memcpy(pData, tOther.pData, std::max(tOther.dwCapacity, tOther.dwUsed));
     }
     dwPos = tOther.dwPos;
     dwUsed = tOther.dwUsed;
@@ -92,7 +94,7 @@ void TBlob::Reset() noexcept {
 void TBlob::Alloc(unsigned long dwSize) {
     if (dwSize == dwCapacity) return;
     Release();
-    Reserve(dwSize);
+    Reserve(dwSize, 0);
 }
 
 void TBlob::ReAlloc(unsigned long dwSize, unsigned long dwGranularity) {
@@ -139,9 +141,10 @@ void TBlob::Skip(unsigned long dwCount) {
     dwPos += dwCount;
 }
 
-/// Fresh owned memory for a block that has none.
-void TBlob::Reserve(unsigned long dwSize) {
-    pData = static_cast<unsigned char *>(std::malloc(uGetAllocation(dwSize)));
+/// Fresh owned memory for a block that has none. A block that was made smaller than its data has memory for all of it:
+/// its size stays and can be read.
+void TBlob::Reserve(unsigned long dwSize, unsigned long dwData) {
+    pData = static_cast<unsigned char *>(std::malloc(uGetAllocation(std::max(dwSize, dwData))));
     if (pData == nullptr) throw std::bad_alloc();
     dwCapacity = dwSize;
     pData[dwSize] = 0;
@@ -151,15 +154,15 @@ void TBlob::Reserve(unsigned long dwSize) {
 void TBlob::Resize(unsigned long dwSize) {
     if (!fOwner) {
         TBlob tCopy;
-        tCopy.Reserve(dwSize);
-        if (pData != nullptr) std::memcpy(tCopy.pData, pData, std::min(dwSize, dwCapacity));
+        tCopy.Reserve(dwSize, dwUsed);
+        if (pData != nullptr) std::memcpy(tCopy.pData, pData, std::min(std::max(dwSize, dwUsed), dwCapacity));
+        tCopy.pData[dwSize] = 0;
         pData = tCopy.pData;
         dwCapacity = dwSize;
         fOwner = true;
         tCopy.pData = nullptr;
         return;
     }
-    // A block that was made smaller than its data keeps memory for all of it: its size stays and can be read.
     std::size_t const uWanted = uGetAllocation(std::max(dwSize, dwUsed));
     if (pData == nullptr || uWanted != uGetAllocation(std::max(dwCapacity, dwUsed))) {
         void * const pNew = std::realloc(pData, uWanted);

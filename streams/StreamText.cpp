@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -388,7 +389,7 @@ int TStreamBase::iEncodeAsUtf8(wchar_t const * pText, std::size_t uUnits) {
     if (uUnits > INT_MAX) return -1;
     int const iUnits = static_cast<int>(uUnits);
     // A short text surely fits; of a longer one the size is counted.
-    if (uUnits * 3 + iUtf8Slack > static_cast<std::size_t>(iConvertBufferSize)) {
+    if (std::uint64_t{uUnits} * 3 + iUtf8Slack > static_cast<std::uint64_t>(iConvertBufferSize)) {
         int const iSize = iGetUtf8Size(pText, iUnits);
         if (iSize < 0 || iSize > INT_MAX - iUtf8Slack) return -1;
         AllocUTF8Buffer(iSize + iUtf8Slack);

@@ -92,7 +92,7 @@ struct ZKTOOLS_API TBlob {
 
 private:
     void Init() noexcept;
-    void Reserve(unsigned long dwSize);
+    void Reserve(unsigned long dwSize, unsigned long dwData);
     void Resize(unsigned long dwSize);
 };
 
@@ -167,7 +167,8 @@ public:
     virtual void ReadChar(wchar_t & c);
     /// The next character, without moving; a zero is none.
     virtual void PeekChar(wchar_t & c);
-    /// Passes over characters without converting them.
+    /// Passes over characters without converting them. Under 1200 and 1201 it goes no further than the memory that is
+    /// loaded: a file stream does not fill its buffer for it, and fails where that ends.
     virtual void SkipChars(unsigned int uCount);
     /// The byte at the position, without moving and without a test of the end, behind which a zero stands in owned
     /// memory that is full.

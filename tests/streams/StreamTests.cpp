@@ -162,6 +162,30 @@ TEST(TBlob, ReAllocMakesAnOwnedCopyOfAView) {
     EXPECT_STREQ(acData, "abcdef");
 }
 
+TEST(TBlob, KeepsAllItsDataWhenMadeSmaller) {
+    std::string sData(100'000, '\0');
+    for (std::size_t u = 0; u < sData.size(); ++u)
+        sData[u] = static_cast<char>(u % 251 + 1);
+    auto const dwSize = static_cast<unsigned long>(sData.size());
+    TBlob tOwned;
+    tOwned.Put(sData.data(), dwSize);
+    TBlob tView(sData.data(), dwSize);
+    for (TBlob * pSmaller : {&tOwned, &tView}) {
+        pSmaller->ReAlloc(10, 0);
+        TBlob tCopy(*pSmaller);
+        TBlob tAssigned(3);
+        tAssigned = *pSmaller;
+        for (TBlob * pBlob : {pSmaller, &tCopy, &tAssigned}) {
+            EXPECT_EQ(pBlob->dwCapacity, 10u);
+            EXPECT_EQ(pBlob->dwUsed, dwSize);
+            EXPECT_TRUE(pBlob->fOwner);
+            EXPECT_EQ(pBlob->pData[10], 0); // the guard
+            EXPECT_EQ(sBytes(*pBlob).substr(11), sData.substr(11));
+            EXPECT_EQ(sBytes(*pBlob).substr(0, 10), sData.substr(0, 10));
+        }
+    }
+}
+
 TEST(TBlob, AllocOfTheSameSizeKeepsContentsAndPosition) {
     TBlob tBlob(3);
     tBlob.Put("abc", 3);
