@@ -5,8 +5,8 @@
 #include "ZkTools/Files.h"
 #include "ZkTools/MessageIds.h"
 #include "files/LongPath.h"
-#include "frame/Failures.h"
 
+#include <array>
 #include <climits>
 #include <stdexcept>
 
@@ -148,9 +148,12 @@ int TFStream::iSeekBaseConvert(int iOrigin) {
 
 void TFStream::TestGoodness(int iMessageId) {
     if (dwLastError == 0) return;
-    unsigned long const dwError = dwLastError;
+    std::array<wchar_t, 255> acReason{};
+    GetErrorString(dwLastError, acReason.data(), static_cast<int>(acReason.size()));
     dwLastError = 0;
-    throw tReasonWithFailure(dwError, static_cast<unsigned int>(iMessageId), sName.c_str());
+    TXZkTools tFailure(acReason.data()); // Deliberate: the system's text goes in as the format, as everywhere.
+    tFailure.AddMessage(static_cast<unsigned int>(iMessageId), sName.c_str());
+    throw tFailure;
 }
 
 void TFStream::SetEndOfFile() {

@@ -23,6 +23,7 @@
 namespace {
 
 constexpr unsigned long dwTextBuffer = 65536;
+constexpr unsigned long dwLineHint = 16384;          // not used here; derived classes are told so
 constexpr unsigned long dwLongestPlainCharacter = 4; // bytes that must not be cut by the end of the buffer
 
 constexpr wchar_t cLineFeed = 10;
@@ -298,7 +299,7 @@ void TFStreamBase::ReadData(std::wstring & sText, unsigned long dwCount) {
 }
 
 void TFStreamBase::ReadString(std::wstring & sText) {
-    ReadToDelim(sText, L'\0', L'\\', false, 0);
+    ReadToDelim(sText, L'\0', L'\\', false, dwLineHint);
 }
 
 void TFStreamBase::ReadString(wchar_t * pzTarget, unsigned long dwSize) {

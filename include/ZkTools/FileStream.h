@@ -43,6 +43,8 @@ public:
     /// Flushes, then moves; past the end is allowed. Any origin but 0, 1 and 2 is position 0.
     /// \throws TXZkTools 4280 at 4 GiB and above, and behind the system's text below 0; the position stays
     void Seek(TLongOnly const & tOffset, int iOrigin) override;
+    /// True at the end of the file, and nowhere else: behind it, where `SetPos` and `Seek` may go, reading fails or
+    /// gives nothing.
     bool fIsEoF() override;
     /// The size of the file as the stream knows it.
     unsigned long dwGetSize() override;
@@ -117,8 +119,9 @@ private:
 
 /// A stream over a file of less than 4 GiB.
 ///
-/// Failures are TXZkTools with the system's text first and a message that names the file behind it: 4215 for opening,
-/// 4260 for reading (also where no byte came), 4270 for writing, 4280 for moving. The stream can be used on.
+/// Failures are TXZkTools with the system's text (254 characters of it at most) first and a message that names the file
+/// behind it: 4215 for opening, 4260 for reading (also where no byte came), 4270 for writing, 4280 for moving. The
+/// stream can be used on.
 class ZKTOOLS_API TFStream : public TFStreamBase {
 public:
     /// What `CreateFileW` is called with.
@@ -144,7 +147,8 @@ public:
     /// \throws std::logic_error for a closed stream
     void Flush() override;
     /// Opens by `EFileMode`. A file that is open already is not closed first.
-    /// \throws TXZkTools 4215 behind the system's text; 4319 for a file of 4 GiB and more
+    /// \throws TXZkTools 4215 behind the system's text; 4319 for a file of 4 GiB and more; with `FS_CREATE` as
+    ///         `MakeDirectory` does
     void Open(wchar_t const * pzName, int iNewMode) override;
     unsigned long dwDeviceRead(void * pTarget, unsigned long dwCount) override;
     void DeviceWrite(void const * pSource, unsigned long dwCount) override;
@@ -155,8 +159,9 @@ public:
 
     virtual void Open(std::wstring const & sNewName, ECodePage eCodePage, int iNewMode);
     virtual void Open(wchar_t const * pzName, ECodePage eCodePage, int iNewMode);
-    /// Writes the buffer back and cuts the file at the device's position. The size that the stream knows stays: open
-    /// anew before going on with it.
+    /// Writes the buffer back and cuts the file at the device's position. That is the stream's own behind a write or a
+    /// move; behind a read the device stands at the end of the buffer: `Seek(0L, 1)` first. The size that the stream
+    /// knows stays: open anew before going on with it.
     virtual void SetEndOfFile();
     /// The system's `LockFile` on that range. False when it fails or the stream is closed; nothing is thrown.
     virtual bool fLockFile(unsigned long dwOffset, unsigned long dwLength);

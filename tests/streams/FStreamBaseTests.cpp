@@ -333,6 +333,18 @@ TEST(TFStreamBase, SetPosGoesAnywhere) {
     EXPECT_EQ(tStream.sDevice, "012345X789\0\0Y"s);
 }
 
+TEST(TFStreamBase, IsAtTheEndThereAloneAndNotBehindIt) {
+    TDeviceStream tStream("abc");
+    tStream.SetPos(3);
+    EXPECT_TRUE(tStream.fIsEoF());
+    tStream.SetPos(4);
+    EXPECT_FALSE(tStream.fIsEoF());
+    EXPECT_EQ(sRead(tStream, 2), "..");
+    wchar_t c = 0;
+    EXPECT_EQ(iThrownNumber([&] { tStream.ReadChar(c); }), IDS_READ_PAST_END);
+    EXPECT_EQ(tStream.dwGetPos(), 4u);
+}
+
 TEST(TFStreamBase, BufFillDropsWhatWasWrittenAndNotFlushed) {
     TDeviceStream tStream("0123456789", 4);
     EXPECT_EQ(sRead(tStream, 2), "01");
@@ -597,6 +609,41 @@ TEST(TFStreamBase, MakesABufferOf65536BytesForTextAndKeepsFourBytesInSight) {
     EXPECT_EQ(tStream.sTakeCalls(), "read 5");
     EXPECT_EQ(tStream.dwBufferBase, 5u);
     EXPECT_EQ(tStream.dwGetPos(), 6u);
+}
+
+TEST(TFStreamBase, SkipsUtf16WithinTheLoadedBufferOnly) {
+    for (ECodePage const eCodePage : {ecpUtf16, ecpUtf16Swapped}) {
+        TDeviceStream tStream(std::string(40, 'x'), 8, FS_BINARY, eCodePage);
+        EXPECT_EQ(iThrownNumber([&] { tStream.SkipChars(1); }), IDS_READ_PAST_END); // nothing is loaded yet
+        tStream.EnsureBufferFilled();
+        tStream.sTakeCalls();
+        EXPECT_EQ(iThrownNumber([&] { tStream.SkipChars(5); }), IDS_READ_PAST_END);
+        EXPECT_EQ(tStream.dwGetPos(), 0u);
+        tStream.SkipChars(4);
+        EXPECT_EQ(tStream.dwGetPos(), 8u);
+        EXPECT_EQ(tStream.sTakeCalls(), "");
+    }
+}
+
+TEST(TFStreamBase, ReadsStringsByItsVirtualReadToDelim) {
+    struct TDelimStream : TDeviceStream {
+        using TDeviceStream::TDeviceStream;
+        void ReadToDelim(std::wstring & sText, wchar_t cDelim, wchar_t cEscape, bool fKeepDelim,
+                         unsigned long dwReserved) override {
+            EXPECT_EQ(cDelim, 0);
+            EXPECT_EQ(cEscape, L'\\');
+            EXPECT_FALSE(fKeepDelim);
+            EXPECT_EQ(dwReserved, 16384u);
+            sText = L"abcdefgh";
+        }
+    };
+    TDelimStream tStream;
+    std::wstring sText;
+    tStream.Read(sText);
+    EXPECT_EQ(sText, L"abcdefgh");
+    wchar_t ac[4] = {};
+    tStream.ReadString(ac, 4);
+    EXPECT_STREQ(ac, L"abc");
 }
 
 TEST(TFStreamBase, ReadsAndWritesTextThroughBuffersOfAnySize) {

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -169,6 +170,21 @@ TEST(TFStream, OpensByEveryConstructor) {
     EXPECT_EQ(TFStream(ecpUtf8).dwBufGetSize(), 4096u);
     EXPECT_EQ(TFStream(ecpUtf8, 100).dwBufGetSize(), 100u);
     EXPECT_EQ(TFStream(ecpUtf8).eGetCodePage(), ecpUtf8);
+}
+
+TEST(TFStream, OpensWithACodePageByItsVirtualOpen) {
+    struct TNotedStream : TFStream {
+        void Open(wchar_t const * pzName, int iNewMode) override {
+            sOpened = pzName + std::to_wstring(iNewMode) + (eGetCodePage() == ecpUtf8 ? L" UTF-8" : L"");
+        }
+        std::wstring sOpened;
+    } tStream;
+    TFStream & tBase = tStream;
+    tBase.Open(L"a", ecpUtf8, 2);
+    EXPECT_EQ(tStream.sOpened, L"a2 UTF-8");
+    tBase.Open(std::wstring(L"b"), ecpUtf8, 3);
+    EXPECT_EQ(tStream.sOpened, L"b3 UTF-8");
+    EXPECT_FALSE(tStream.fIsOpen());
 }
 
 TEST(TFStream, AFailedOpenTellsTheReasonAndTheName) {
@@ -437,6 +453,23 @@ TEST(TFStream, AReadOfNoByteAtTheEndIsAFailureWithoutABuffer) {
     EXPECT_EQ(sThrown([&] { tStream.ReadData(acRead, 2); }), sReasonThen(ERROR_HANDLE_EOF, 4260, sPath));
 }
 
+TEST(TFStream, TellsTheFirst254CharactersOfTheReason) {
+    TTempDirectory const tDirectory;
+    std::wstring const sPath = tDirectory.sGetPath(L"missing");
+    using TFormatCall = TSystemCall<"FormatMessageW", DWORD WINAPI(DWORD, void const *, DWORD, DWORD, wchar_t *, DWORD,
+                                                                   char **)>; // as the compiler sees a va_list
+    TFormatCall const tFormat(
+        [](DWORD, void const *, DWORD, DWORD, wchar_t * pzBuffer, DWORD, char **) -> DWORD {
+            auto * const pzText = static_cast<wchar_t *>(LocalAlloc(LPTR, 301 * sizeof(wchar_t)));
+            std::fill_n(pzText, 300, L'x');
+            *reinterpret_cast<wchar_t **>(pzBuffer) = pzText;
+            return 300;
+        },
+        L"ZkBase.dll");
+    EXPECT_EQ(sThrown([&] { TFStream(sPath.c_str(), 0); }),
+              "-1: " + std::string(254, 'x') + "\r\n" + TXZkTools(IDS_APPEND_FILE_DETAIL, sPath.c_str()).what());
+}
+
 TEST(TFStream, AFailedWriteKeepsWhatIsToBeWritten) {
     TTempDirectory const tDirectory;
     std::wstring const sPath = tDirectory.sGetPath(L"a.txt");
@@ -523,6 +556,21 @@ TEST(TFStream, CutsTheFileAndKeepsTheSizeItKnows) {
     tStream.Close();
     EXPECT_EQ(sReadFileBytes(sPath), "abX");
     tStream.SetEndOfFile(); // nothing on a closed stream
+}
+
+TEST(TFStream, CutsTheFileAtTheEndOfTheBufferBehindARead) {
+    TTempDirectory const tDirectory;
+    std::wstring const sPath = tDirectory.sWrite(L"a.txt", "abcdefgh");
+    TFStream tStream(4);
+    tStream.Open(sPath.c_str(), FS_READ_WRITE | FS_BINARY);
+    char c = 0;
+    tStream.Read(c);
+    tStream.SetEndOfFile();
+    EXPECT_EQ(tStream.sGetSize(), L"4");
+    EXPECT_EQ(tStream.dwGetSize(), 8u);
+    tStream.Seek(0L, 1);
+    tStream.SetEndOfFile();
+    EXPECT_EQ(tStream.sGetSize(), L"1");
 }
 
 TEST(TFStream, LocksRanges) {

@@ -542,6 +542,104 @@ TEST(TStreamBaseText, WritesMoreThan2GiUnitsNever) {
     EXPECT_EQ(tStream.pGetData(), nullptr);
 }
 
+// Derived classes change a form by the operations that it goes through.
+TEST(TStreamBaseText, GoesThroughItsVirtualOperations) {
+    struct TNotedStream : TStreamBase {
+        using TStreamBase::Read;
+        using TStreamBase::ReadString;
+        using TStreamBase::TStreamBase;
+        using TStreamBase::Write;
+        using TStreamBase::WriteString;
+        void Write(wchar_t const * pText, unsigned long dwCount) override {
+            sCalls += "text" + std::to_string(dwCount) + " ";
+            TStreamBase::Write(pText, dwCount);
+        }
+        void Write(wchar_t const * pzText) override {
+            sCalls += "text ";
+            TStreamBase::Write(pzText);
+        }
+        void Write(int const & iValue) override {
+            sCalls += "int ";
+            TStreamBase::Write(iValue);
+        }
+        void Write(unsigned short const & uValue) override {
+            sCalls += "short ";
+            TStreamBase::Write(uValue);
+        }
+        void Write(char const & cValue) override {
+            sCalls += "char ";
+            TStreamBase::Write(cValue);
+        }
+        void WriteChar(wchar_t const & c) override {
+            sCalls += "unit ";
+            TStreamBase::WriteChar(c);
+        }
+        void WriteString(std::wstring const & sText) override {
+            sCalls += "string ";
+            TStreamBase::WriteString(sText);
+        }
+        void Read(unsigned char & uValue) override {
+            sCalls += "byte ";
+            TStreamBase::Read(uValue);
+        }
+        void Read(unsigned short & uValue) override {
+            sCalls += "short ";
+            TStreamBase::Read(uValue);
+        }
+        void Read(int & iValue) override {
+            sCalls += "int ";
+            TStreamBase::Read(iValue);
+        }
+        void ReadChar(wchar_t & c) override {
+            sCalls += "unit ";
+            TStreamBase::ReadChar(c);
+        }
+        void ReadString(std::wstring & sText) override {
+            sCalls += "string ";
+            TStreamBase::ReadString(sText);
+        }
+        void ReadStringForPascal(std::wstring & sText, unsigned long dwBytes) override {
+            sCalls += "counted" + std::to_string(dwBytes) + " ";
+            TStreamBase::ReadStringForPascal(sText, dwBytes);
+        }
+        std::string sCalls;
+    };
+    std::wstring sText = L"ab";
+    wchar_t c = 0;
+    struct {
+        ECodePage eCodePage;
+        std::function<void(TStreamBase &)> fCall;
+        char const * pzCalls;
+    } const atRows[] = {
+        {ecpUtf16, [](TStreamBase & t) { t.Write(L"ab", 2); }, "text2 unit unit "},
+        {ecpUtf16, [](TStreamBase & t) { t.Write(L"ab"s); }, "text unit unit "},
+        {ecpUtf16, [](TStreamBase & t) { t.WriteString(L"ab"s); }, "string text unit unit unit "},
+        {ecpWestern, [](TStreamBase & t) { t.Write(L"ab"s); }, "text "},
+        {ecpWestern, [](TStreamBase & t) { t.Writeln(L"ab"s); }, "text text2 "},
+        {ecpWestern, [](TStreamBase & t) { t.WritePascalString(L"ab"); }, "char string "},
+        {ecpWestern, [](TStreamBase & t) { t.WritePascalStringInt16(L"ab"); }, "short string "},
+        {ecpWestern, [](TStreamBase & t) { t.Write8BitBlob(L"ab"); }, "int string "},
+        {ecpWestern, [](TStreamBase & t) { t.Write8BitBlob(L""); }, "int "},
+        {ecpWestern, [](TStreamBase & t) { t.WriteXML(L"a\n<", true); }, "unit text text "},
+        {ecpWestern, [](TStreamBase & t) { t.WriteXML(L"a\n<", false); }, "unit text "},
+        {ecpWestern, [](TStreamBase & t) { t.WriteXMLComment(L"--"); }, "unit unit unit "},
+        {ecpWestern, [&](TStreamBase & t) { t.Read(c); }, "unit "},
+        {ecpWestern, [&](TStreamBase & t) { t.Read(sText); }, "string "},
+        {ecpWestern, [&](TStreamBase & t) { t.Readln(sText); }, "unit unit unit "},
+        {ecpWestern, [&](TStreamBase & t) { t.ReadPascalString(sText); }, "byte counted3 "},
+        {ecpWestern, [&](TStreamBase & t) { t.ReadPascalStringInt16(sText); }, "short counted515 "},
+        {ecpWestern, [&](TStreamBase & t) { t.Read8BitBlob(sText); }, "int counted168428036 "},
+    };
+    for (auto const & tRow : atRows) {
+        TBlob tBlob;
+        tBlob.Put("\3\2\n\nabcd", 8);
+        tBlob.dwPos = 0;
+        TNotedStream tStream(tBlob, tRow.eCodePage);
+        sThrown([&] { tRow.fCall(tStream); });
+        EXPECT_EQ(tStream.sCalls, tRow.pzCalls);
+    }
+}
+
 // Counted strings
 
 TEST(TStreamBaseText, WritesPascalStrings) {
