@@ -1,4 +1,5 @@
-// The two orders in which a failure tells what failed and the system's reason for it. Every site uses one of them.
+// The two orders in which a failure tells what failed and the system's reason for it. Every site uses one of them, but
+// the one of a file stream, which cuts the reason (TFStream::TestGoodness).
 //
 // Deliberate: in both the system's text goes in as the format, so that a percent sign in it is read as a conversion.
 #pragma once

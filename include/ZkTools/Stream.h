@@ -116,7 +116,8 @@ private:
 /// **Failures.** All readers throw TXZkTools 4291 at the end of the data, except those that say that they end quietly.
 /// Bytes that do not decode, and a zero character where none is allowed, are a `TXError` that tells bytes and position
 /// (multi-byte code pages) or a TXZkTools with its words (1200, 1201, and system failures). A conversion to a code page
-/// that fails is a TXZkTools, and nothing of the text is written. After a failure the position is the start of the
+/// that fails is a TXZkTools, and nothing of the text is written (of XML and comments, which go unit by unit, nothing
+/// from that unit on; a blob has its count already). After a failure the position is the start of the
 /// character, number or prefix that failed, and the target keeps its value unless told otherwise.
 ///
 /// A stream without memory yet is empty: the first write makes its block.

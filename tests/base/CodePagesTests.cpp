@@ -273,6 +273,25 @@ TEST(TConvertStream, PutsNothingThatLooksAlikeInPlaceOfWhatIsMissing) {
     }
 }
 
+// These code pages have every character, and the platform refuses the flag there.
+TEST(TConvertStream, HandsNoFlagToCodePagesThatTakeNone) {
+    for (UINT const uAnsi : {65001U, 54936U, 1252U}) {
+        zk_test::TSystemCall<"GetACP", decltype(GetACP)> const tAnsi([=] { return uAnsi; }, L"ZkBase.dll");
+        zk_test::TSystemCall<"WideCharToMultiByte", decltype(WideCharToMultiByte)> const tCall(
+            [&](UINT uCodePage, DWORD dwFlags, LPCWSTR, int, LPSTR pBytes, int, LPCSTR, LPBOOL) {
+                EXPECT_EQ(uCodePage, uAnsi);
+                EXPECT_EQ(dwFlags, uAnsi == 1252 ? static_cast<DWORD>(WC_NO_BEST_FIT_CHARS) : 0U) << uAnsi;
+                *pBytes = 'a';
+                return 1;
+            },
+            L"ZkBase.dll");
+        TReceiver tReceiver;
+        TConvertStream tStream(ecpDefault, ecdFromUtf16, &tReceiver);
+        uWrite(tStream, L"a");
+        EXPECT_EQ(tReceiver.sTaken, "a");
+    }
+}
+
 TEST(TConvertStream, FlushEndsAPairThatWasCut) {
     TReceiver tReceiver;
     TConvertStream tStream(ecpUtf8, ecdFromUtf16, &tReceiver);

@@ -195,6 +195,20 @@ TEST(hGetResMod, TakesTheWholePathOfAModule) {
     }
 }
 
+TEST(hGetResMod, RunsNoCodeOfTheModuleItLoads) {
+    TProbe tProbe;
+    tProbe.AddNeutral();
+    zk_test::TSystemCall<"LoadLibraryExW", decltype(LoadLibraryExW)> const tLoad(
+        [&](LPCWSTR pzPath, HANDLE hFile, DWORD dwFlags) {
+            EXPECT_EQ(hFile, nullptr);
+            EXPECT_EQ(dwFlags, static_cast<DWORD>(LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+            return tLoad.Original(pzPath, hFile, dwFlags);
+        },
+        L"ZkBase.dll");
+    EXPECT_EQ(tProbe.sFind(), pzEnglish);
+    EXPECT_EQ(tLoad.iGetCalls(), 2);
+}
+
 TEST(hGetResMod, SearchesNowhereForWhatIsNoModule) {
     int iLoads = 0;
     zk_test::TSystemCall<"LoadLibraryExW", decltype(LoadLibraryExW)> const tLoad(
