@@ -4,5 +4,5 @@
 #include <string>
 #include <string_view>
 
-/// A character that the code page lacks becomes its default character.
+/// A character that the code page lacks becomes one that looks like it, or the default character.
 [[nodiscard]] std::string sNarrow(std::wstring_view sText);

@@ -10,8 +10,9 @@
 /// Root of all exceptions of the tool's libraries.
 ///
 /// `what` gives all stored messages in the order in which they came, one a line, joined by CR LF, as narrow text in
-/// the thread's ANSI code page; a character that this code page lacks becomes its default character. The text lives in
-/// the `std::runtime_error`, so that a copy sliced down to that class keeps it.
+/// the thread's ANSI code page; a character that this code page lacks becomes one that looks like it, or the default
+/// character, as the system has it. The text lives in the `std::runtime_error`, so that a copy sliced down to that
+/// class keeps it.
 ///
 /// Formats are those of the platform's wide `printf` family: `%s` is a wide string.
 class ZKBASE_API TXError : public std::runtime_error {

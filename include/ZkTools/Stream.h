@@ -111,7 +111,8 @@ private:
 /// | any other | what `CharNextExA` steps over |
 ///
 /// A character that would need two units (four bytes of UTF-8) cannot be read. On writing, a lone half of a surrogate
-/// pair is converted by itself, and what the code page lacks becomes the system's default character.
+/// pair is converted by itself, and what the code page lacks becomes what the system has for it: a character that looks
+/// like it (a fullwidth `<` becomes a plain one), or the default character.
 ///
 /// **Failures.** All readers throw TXZkTools 4291 at the end of the data, except those that say that they end quietly.
 /// Bytes that do not decode, and a zero character where none is allowed, are a `TXError` that tells bytes and position

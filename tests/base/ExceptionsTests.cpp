@@ -163,12 +163,12 @@ TEST(TXError, TellsItsTextInTheCodePageOfTheThread) {
     std::thread([&] {
         SetThreadLocale(MAKELCID(MAKELANGID(LANG_GERMAN, SUBLANG_DEFAULT), SORT_DEFAULT));
         TXProbe tError;
-        tError.StorePlain(L"Käfer жук \xD83D");
+        tError.StorePlain(L"Käfer жук \xD83D \u0141");
         sWestern = tError.what();
     }).join();
     EXPECT_EQ(sCyrillic, "\xE6\xF3\xEA");
     EXPECT_EQ(sWestern, "K\xE4"
-                        "fer ??? ?");
+                        "fer ??? ? L");
 }
 
 TEST(InsertMessage, PutsItsLineInFront) {

@@ -478,6 +478,9 @@ TEST(TStreamBaseText, GivesTheSystemsDefaultCharacterForWhatTheCodePageLacks) {
     EXPECT_EQ(sWritten(ecpWestern, [](TStreamBase & t) { t.WriteChar(L'\u6F22'); }), "?");
     EXPECT_EQ(sWritten(ecpWestern, [](TStreamBase & t) { t.Write(L"a\u6F22"); }), "a?");
     EXPECT_EQ(sWritten(ecpJapanese, [](TStreamBase & t) { t.WriteChar(L'\u6F22'); }), "\x8A\xBF");
+    // Or what looks like it: no flag forbids that.
+    EXPECT_EQ(sWritten(ecpWestern, [](TStreamBase & t) { t.WriteChar(L'\uFF1C'); }), "<");
+    EXPECT_EQ(sWritten(ecpWestern, [](TStreamBase & t) { t.Write(L"\u0141\uFF1C"); }), "L<");
 }
 
 TEST(TStreamBaseText, ConvertsHalvesOfAPairTogetherInATextAndAloneInACharacter) {
