@@ -28,10 +28,13 @@ ZKTOOLS_API void RenameWithValidation(std::wstring const & sOld, std::wstring co
 /// \throws TXZkTools with message 4231 (replaced, replacement) and the system's reason
 ZKTOOLS_API void Replace(wchar_t const * pzReplaced, wchar_t const * pzReplacement);
 
-/// Moves a file over another one, which need not exist, also between volumes. The target has its whole old or its whole
-/// new content at every moment, also when the process is killed: the content is copied into a neighbour of the target,
-/// its name with ".~1" behind it, which then takes the target's place. Only then the source goes; one that can't be
-/// deleted stays, and nothing tells. A neighbour that is left by a killed process is overwritten.
+/// Moves a file over another one, which need not exist, also between volumes. The content is copied into a neighbour of
+/// the target, its name with ".~1" behind it, which then takes the target's place; only then the source goes. One that
+/// can't be deleted stays, and nothing tells.
+///
+/// The target has its whole old or its whole new content, also when the process is killed. The system takes the old
+/// file away in the instant before it puts the new one in its place: killed just then there is no target, and the
+/// neighbour and the source both have the new content. The next replacement overwrites the neighbour.
 ///
 /// The two must not be the same file: as the source it would be deleted at the end.
 /// \throws TXZkTools with message 4231 (neighbour, source) when the copy fails, otherwise with message 4230 (neighbour,

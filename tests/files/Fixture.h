@@ -47,18 +47,21 @@ inline TXZkTools tThrownBy(std::function<void()> const & Call) {
 
 /// Calls on a thread that has 128 KB of its stack left.
 inline void CallWithLittleStack(std::function<void()> const & Call) {
-    auto const Run = [](void * pCall) noexcept -> DWORD {
-        ULONG_PTR uLow = 0;
-        ULONG_PTR uHigh = 0;
-        GetCurrentThreadStackLimits(&uLow, &uHigh);
-        char cHere = 0;
-        std::size_t const uUsed = reinterpret_cast<ULONG_PTR>(&cHere) - uLow - 128 * 1024;
-        auto * const pUsed = static_cast<char volatile *>(__builtin_alloca(uUsed));
-        pUsed[0] = cHere;
-        (*static_cast<std::function<void()> const *>(pCall))();
-        return static_cast<DWORD>(pUsed[0]);
+    struct TThread {
+        static DWORD WINAPI Run(void * pCall) {
+            ULONG_PTR uLow = 0;
+            ULONG_PTR uHigh = 0;
+            GetCurrentThreadStackLimits(&uLow, &uHigh);
+            char cHere = 0;
+            std::size_t const uUsed = reinterpret_cast<ULONG_PTR>(&cHere) - uLow - 128 * 1024;
+            auto * const pUsed = static_cast<char volatile *>(__builtin_alloca(uUsed));
+            pUsed[0] = cHere;
+            (*static_cast<std::function<void()> const *>(pCall))();
+            return static_cast<DWORD>(pUsed[0]);
+        }
     };
-    THandle const hThread(CreateThread(nullptr, 0, Run, const_cast<std::function<void()> *>(&Call), 0, nullptr));
+    THandle const hThread(
+        CreateThread(nullptr, 0, TThread::Run, const_cast<std::function<void()> *>(&Call), 0, nullptr));
     WaitForSingleObject(hThread.hGet(), INFINITE);
 }
 

@@ -29,6 +29,7 @@ using zk_test::THardToReach;
 using zk_test::TSystemCall;
 using zk_test::TTempDirectory;
 using zk_test::tThrownBy;
+using zk_test::WriteFileBytes;
 
 using TMoveFile = TSystemCall<"MoveFileExW", decltype(MoveFileExW)>;
 using TReplaceFile = TSystemCall<"ReplaceFileW", decltype(ReplaceFileW)>;
@@ -36,6 +37,21 @@ using TCopyFile = TSystemCall<"CopyFileW", decltype(CopyFileW)>;
 using TDeleteFile = TSystemCall<"DeleteFileW", decltype(DeleteFileW)>;
 using TCreateFile = TSystemCall<"CreateFileW", decltype(CreateFileW)>;
 using TSleep = TSystemCall<"Sleep", decltype(Sleep)>;
+
+/// Ends a replacement as a crash would, in front of one of its calls of the system: takes source, target, and which
+/// call.
+zk_test::TChildRole const tCrashing(L"crashing replacement", [](std::vector<std::wstring> const & sArguments) {
+    int iCalls = std::stoi(sArguments.at(2));
+    auto const Count = [&] {
+        if (iCalls-- == 0) TerminateProcess(GetCurrentProcess(), 45);
+    };
+    TCopyFile const tCopy([&](auto... tArgs) { return Count(), tCopy.Original(tArgs...); });
+    TReplaceFile const tReplace([&](auto... tArgs) { return Count(), tReplace.Original(tArgs...); });
+    TMoveFile const tMove([&](auto... tArgs) { return Count(), tMove.Original(tArgs...); });
+    TDeleteFile const tDelete([&](auto... tArgs) { return Count(), tDelete.Original(tArgs...); });
+    ReplaceEx(sArguments.at(0), sArguments.at(1));
+    return 46;
+});
 
 /// The text of a failure of the library alone.
 std::string sMessage(unsigned int uId) {
@@ -149,7 +165,7 @@ TEST(Rename, RefusesANameThatEndsInWhiteSpaceWithoutALookAtTheDisk) {
 
 TEST(Rename, ReachesLongPaths) {
     THardToReach const tHard;
-    zk_test::WriteFileBytes(tHard.sGetPath(L"file"), "1");
+    WriteFileBytes(tHard.sGetPath(L"file"), "1");
     std::wstring const sNew = tHard.sGetPath(std::wstring(255, L'n').c_str());
     Rename(tHard.sGetPath(L"file").c_str(), sNew.c_str(), false);
     EXPECT_EQ(sReadFileBytes(sNew), "1");
@@ -262,8 +278,8 @@ TEST(Replace, TriesAgainOnlyWhenTheReplacedFileCouldNotBeRemoved) {
 
 TEST(Replace, ReachesLongPaths) {
     THardToReach const tHard;
-    zk_test::WriteFileBytes(tHard.sGetPath(L"target"), "old");
-    zk_test::WriteFileBytes(tHard.sGetPath(L"source"), "new");
+    WriteFileBytes(tHard.sGetPath(L"target"), "old");
+    WriteFileBytes(tHard.sGetPath(L"source"), "new");
     Replace(tHard.sGetPath(L"target").c_str(), tHard.sGetPath(L"source").c_str());
     EXPECT_EQ(sReadFileBytes(tHard.sGetPath(L"target")), "new");
 }
@@ -346,6 +362,41 @@ TEST(ReplaceEx, LeavesAllAsItWasWhenTheCopyFails) {
     EXPECT_EQ(tDelete.iGetCalls(), 0); // the neighbour may be somebody else's file
 }
 
+TEST(ReplaceEx, CrashedBetweenTwoCallsLeavesTheOldOrTheNewContent) {
+    struct {
+        bool fTarget; ///< it exists before
+        wchar_t const * pzFiles;
+        char const * pzContent; ///< of the target; null: there is none
+    } const atRows[][5] = {
+        {{true, L"source|target", "old"},
+         {true, L"source|target|target.~1", "old"},
+         {true, L"source|target", "new"},
+         {true, L"target", "new"},
+         {true, L"target", "new"}},
+        {{false, L"source", nullptr},
+         {false, L"source|target.~1", nullptr},
+         {false, L"source|target", "new"},
+         {false, L"target", "new"},
+         {false, L"target", "new"}},
+    };
+    for (auto const & tCase : atRows) {
+        int iCall = 0;
+        for (auto const & tRow : tCase) {
+            TTempDirectory const tTemp;
+            std::wstring const sSource = tTemp.sWrite(L"source", "new");
+            std::wstring const sTarget = tTemp.sGetPath(L"target");
+            if (tRow.fTarget) WriteFileBytes(sTarget, "old");
+            zk_test::TChildProcess tChild(tCrashing, {sSource, sTarget, std::to_wstring(iCall)});
+            EXPECT_EQ(tChild.dwWait(), iCall < 4 ? 45u : 46u);
+            EXPECT_EQ(sListDirectory(tTemp.sGetPath()), tRow.pzFiles) << iCall;
+            if (tRow.pzContent != nullptr) {
+                EXPECT_EQ(sReadFileBytes(sTarget), tRow.pzContent) << iCall;
+            }
+            ++iCall;
+        }
+    }
+}
+
 TEST(ReplaceEx, FallsBackOnAMove) {
     TTempDirectory const tTemp;
     std::wstring const sSource = tTemp.sWrite(L"source", "new");
@@ -353,8 +404,8 @@ TEST(ReplaceEx, FallsBackOnAMove) {
     TSleep const tSleep([](DWORD) {});
     for (DWORD const dwError : {DWORD{ERROR_UNABLE_TO_REMOVE_REPLACED}, DWORD{ERROR_NOT_SUPPORTED}}) {
         TReplaceFile const tReplace([&](auto...) { return tFailWith(dwError, FALSE); });
-        zk_test::WriteFileBytes(sSource, "new");
-        zk_test::WriteFileBytes(sTarget, "old");
+        WriteFileBytes(sSource, "new");
+        WriteFileBytes(sTarget, "old");
         EXPECT_NO_THROW(ReplaceEx(sSource, sTarget));
         EXPECT_EQ(tReplace.iGetCalls(), dwError == ERROR_UNABLE_TO_REMOVE_REPLACED ? 4 : 1);
         EXPECT_EQ(sReadFileBytes(sTarget), "new");
@@ -408,9 +459,9 @@ TEST(ReplaceEx, EndsTheProcessWhenTheNeighboursDeletionThrows) {
 
 TEST(ReplaceEx, ReachesLongPaths) {
     THardToReach const tHard;
-    zk_test::WriteFileBytes(tHard.sGetPath(L"target"), "old");
+    WriteFileBytes(tHard.sGetPath(L"target"), "old");
     for (wchar_t const * pzTarget : {L"target", L"target that is not there"}) {
-        zk_test::WriteFileBytes(tHard.sGetPath(L"source"), "new");
+        WriteFileBytes(tHard.sGetPath(L"source"), "new");
         ReplaceEx(tHard.sGetPath(L"source"), tHard.sGetPath(pzTarget));
         EXPECT_EQ(sReadFileBytes(tHard.sGetPath(pzTarget)), "new");
     }
@@ -471,7 +522,7 @@ TEST(FIsFileReadOnly, TriesToOpenTheFileForWriting) {
     }
     EXPECT_EQ(sReadFileBytes(sFile), "1");
     THardToReach const tHard;
-    zk_test::WriteFileBytes(tHard.sGetPath(L"file"), "");
+    WriteFileBytes(tHard.sGetPath(L"file"), "");
     EXPECT_FALSE(fIsFileReadOnly(tHard.sGetPath(L"file")));
     EXPECT_FALSE(fIsFileReadOnly(tHard.sGetPath(), L"file"));
 }

@@ -47,15 +47,18 @@ TChildRole const tWriter(L"writer of a file", [](std::vector<std::wstring> const
     return 0;
 });
 
+/// Tells the exception of a handle that cannot be closed, and ends the process.
+LONG WINAPI TellRaised(EXCEPTION_POINTERS * pException) {
+    EXCEPTION_RECORD const & tRecord = *pException->ExceptionRecord;
+    if (tRecord.ExceptionCode != static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE)))
+        return EXCEPTION_CONTINUE_SEARCH;
+    Say("raised " + std::to_string(tRecord.ExceptionFlags) + " " + std::to_string(tRecord.NumberParameters));
+    ExitProcess(44);
+}
+
 /// Closes the file of a reader lock behind its back; the lock's own close fails then.
 TChildRole const tCloser(L"closer of a locked file", [](std::vector<std::wstring> const & sArguments) {
-    AddVectoredExceptionHandler(1, [](EXCEPTION_POINTERS * pException) -> LONG {
-        EXCEPTION_RECORD const & tRecord = *pException->ExceptionRecord;
-        if (tRecord.ExceptionCode != static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE)))
-            return EXCEPTION_CONTINUE_SEARCH;
-        Say("raised " + std::to_string(tRecord.ExceptionFlags) + " " + std::to_string(tRecord.NumberParameters));
-        ExitProcess(44);
-    });
+    AddVectoredExceptionHandler(1, &TellRaised);
     HANDLE hLocked = INVALID_HANDLE_VALUE;
     TCreateFile const tCreate([&](LPCWSTR pzPath, auto... tArgs) {
         HANDLE const hOpened = tCreate.Original(pzPath, tArgs...);
