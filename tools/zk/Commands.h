@@ -9,6 +9,8 @@ extern TCommand const tStoreCommand;
 extern TCommand const tShowCommand;
 extern TCommand const tHoldCommand;
 extern TCommand const tWhoCommand;
+extern TCommand const tCopyCommand;
+extern TCommand const tDeleteCommand;
 extern TCommand const tAliasCommand;
 extern TCommand const tDecimalCommand;
 extern TCommand const tDateCommand;
@@ -30,6 +32,8 @@ inline constexpr std::array pCommands{
     &tShowCommand,
     &tHoldCommand,
     &tWhoCommand,
+    &tCopyCommand,
+    &tDeleteCommand,
     &tAliasCommand,
     &tDecimalCommand,
     &tDateCommand,
