@@ -1,8 +1,9 @@
 /// Renaming, safe replacement and deletion of files and directories, and whether a place can be written to.
 ///
-/// Paths may have any length. A function with the prefix `f` answers false where its twin with the prefix `x` throws,
-/// and loses the reason; the two tests for read-only places leave it to `GetLastError`. What is thrown is a TXZkTools.
-/// A deletion that fails halfway leaves what it had not reached; nothing is brought back. No pointer may be null.
+/// Paths may have any length, but for deletion by the shell. A function with the prefix `f` answers false where its
+/// twin with the prefix `x` throws, and loses the reason; the two tests for read-only places leave it to
+/// `GetLastError`. What is thrown is a TXZkTools. A deletion that fails halfway leaves what it had not reached; nothing
+/// is brought back. No pointer may be null.
 #pragma once
 
 #include "ZkTools/Export.h"
@@ -53,8 +54,10 @@ ZKTOOLS_API void ReplaceEx(std::wstring const & sSource, std::wstring const & sT
 
 /// How something is deleted: bits, combined by `|`.
 enum EDeleteFileOrFolder : int {
-    eDeleteDirect = 0,    ///< at once and for good
-    eDeleteAllowUndo = 1, ///< by the shell, into the recycle bin; the caller has initialised COM
+    eDeleteDirect = 0, ///< at once and for good
+    /// By the shell, into the recycle bin. It wants full paths with backslashes, and may refuse what is longer than 259
+    /// characters. The caller has initialised COM.
+    eDeleteAllowUndo = 1,
     /// What could not be deleted is also put down for deletion at the next start of the machine, with all that is in
     /// it. That takes an administrator's rights, and whether it could be put down is not told. A pattern is put down
     /// as it stands, which deletes nothing.

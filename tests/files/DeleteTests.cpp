@@ -329,6 +329,18 @@ TEST(XZkClearDirectory, TakesWhatItCannotSearchForEmpty) {
     EXPECT_TRUE(fExists(sFile));
 }
 
+TEST(XZkClearDirectory, TakesNamesThatOnlyBeginWithPoints) {
+    TTempDirectory const tTemp;
+    for (wchar_t const * pzDirectory : {L".d", L"..d", L"...d"})
+        tTemp.sMakeDirectory(pzDirectory);
+    for (wchar_t const * pzFile : {L".f", L"..f", L"...f", L"..d\\..f"})
+        tTemp.sWrite(pzFile, "1");
+    xZkClearDirectory(tTemp.sGetPath(), false, eDeleteDirect);
+    EXPECT_EQ(sListDirectory(tTemp.sGetPath()), L"...d|..d|.d");
+    xZkClearDirectory(tTemp.sGetPath(), true, eDeleteDirect);
+    EXPECT_EQ(sListDirectory(tTemp.sGetPath()), L"");
+}
+
 TEST(XZkClearDirectory, TakesTheEmptyPathForTheCurrentDirectory) {
     TTempDirectory const tTemp;
     MakeTree(tTemp);
