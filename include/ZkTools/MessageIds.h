@@ -7,9 +7,9 @@
 #define IDS_FILE_OR_DIRECTORY_EXISTS_NOT 4211       // path
 #define IDS_DIRECTORY_EXISTS_NOT 4212               // path
 #define IDS_APPEND_FILE_DETAIL 4215                 // path; also every failed open of a file stream
-#define IDS_COPY_FAILED 4220                        // path; also every failed deletion
+#define IDS_COPY_FAILED 4220                        // path; here of what could not be deleted
 #define IDS_RENAME_FAILED 4230                      // old path, new path
-#define IDS_REPLACE_FAILED 4231                     // two paths
+#define IDS_REPLACE_FAILED 4231                     // path to be replaced, path of what replaces it
 #define IDS_FILE_OR_DIRECTORY_MISSING 4250          // path
 #define IDS_DIRECTORY_MISSING 4251                  // path
 #define IDS_INTERNET_READ_FAILED 4260               // location; also every failed read of a file stream
@@ -17,7 +17,7 @@
 #define IDS_SEEK_OUT_OF_RANGE 4280                  // none
 #define IDS_NULL_READ_BUFFER 4290                   // none
 #define IDS_READ_PAST_END 4291                      // none
-#define IDS_APPEND_FILE_FAILED 4292                 // target path, a further path
+#define IDS_APPEND_FILE_FAILED 4292                 // source path, target path
 #define IDS_FILE_OPEN_FAILED 4319                   // path
 #define IDS_LOCK_OPEN_FAILED 4320                   // directory
 #define IDS_LOCK_FAILED 4321                        // directory
@@ -26,7 +26,7 @@
 #define IDS_LOCK_READ_ONLY 4324                     // directory
 #define IDS_LOCK_IN_USE 4325                        // directory
 #define IDS_LOCK_READERS_KNOWN 4326                 // directory, readers, one a line
-#define IDS_LOCK_REFUSED 4327                       // path of the object
+#define IDS_LOCK_REFUSED 4327                       // path of the object, of a file lock also its name
 #define IDS_INVALID_NAME 4328                       // the forbidden characters
 #define IDS_FILE_LOCK_FAILED 4339                   // file
 #define IDS_FILE_LOCK_WRITER_KNOWN 4340             // file, writer
