@@ -34,6 +34,8 @@ constexpr TCommandHelp atCommands[] = {
     {L"hash", "usage: zk hash FILE...\r\n\r\nPrints"},
     {L"wc", "usage: zk wc PATH\r\n\r\nTells"},
     {L"fetch", "usage: zk fetch URL FILE\r\n\r\nReads"},
+    {L"com", "usage: zk com [--get] PROGID MEMBER [ARGUMENT...]\r\n\r\nCalls"},
+    {L"platform", "usage: zk platform\r\n\r\nTells"},
 };
 
 } // namespace

@@ -25,6 +25,8 @@ extern TCommand const tUriCommand;
 extern TCommand const tHashCommand;
 extern TCommand const tWcCommand;
 extern TCommand const tFetchCommand;
+extern TCommand const tComCommand;
+extern TCommand const tPlatformCommand;
 
 // clang-format off
 inline constexpr std::array pCommands{
@@ -48,5 +50,7 @@ inline constexpr std::array pCommands{
     &tHashCommand,
     &tWcCommand,
     &tFetchCommand,
+    &tComCommand,
+    &tPlatformCommand,
 };
 // clang-format on

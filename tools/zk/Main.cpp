@@ -8,7 +8,9 @@
 namespace {
 
 std::wstring sGetUsage(TCommand const & tCommand) {
-    return std::wstring(L"usage: zk ").append(tCommand.sName).append(L" ").append(tCommand.sUsage);
+    std::wstring sText = std::wstring(L"usage: zk ").append(tCommand.sName);
+    if (!tCommand.sUsage.empty()) sText.append(L" ").append(tCommand.sUsage);
+    return sText;
 }
 
 void PrintHelp() {
