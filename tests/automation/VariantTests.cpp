@@ -656,6 +656,32 @@ TEST(TVariant, ThrowsFromItsDestructor) {
     SafeArrayDestroy(pArray);
 }
 
+TEST(TVariant, CopiesAndClearsEveryTypeAsThePlatformDoes) {
+    for (int const iFlags : {0, int{VT_ARRAY}, int{VT_BYREF}, int{VT_VECTOR}, int{VT_RESERVED}}) {
+        for (int i = 0; i < 80; ++i) {
+            // Of the types that own something, nothing is owned; all others have every bit set.
+            auto const uType = static_cast<VARTYPE>(i | iFlags);
+            if (uType == VT_BSTR) continue; // a copy has an address of its own
+            bool const fOwns = iFlags != 0 || i == VT_DISPATCH || i == VT_UNKNOWN || i > VT_UI1;
+            tagVARIANT const tSource = tMake(uType, fOwns ? 0 : -1);
+
+            tagVARIANT tExpected{};
+            HRESULT const hrCopy = VariantCopy(&tExpected, const_cast<tagVARIANT *>(&tSource));
+            TVariant tCopy;
+            EXPECT_EQ(hrOf([&] { tCopy = tSource; }), hrCopy >= 0 ? S_OK : hrCopy) << uType;
+            EXPECT_EQ(tCopy.vt, tExpected.vt) << uType;
+            EXPECT_EQ(tCopy.llVal, tExpected.llVal) << uType;
+
+            tExpected = tSource;
+            HRESULT const hrClear = VariantClear(&tExpected);
+            static_cast<tagVARIANT &>(tCopy) = tSource;
+            EXPECT_EQ(hrOf([&] { tCopy.Clear(); }), hrClear >= 0 ? S_OK : hrClear) << uType;
+            EXPECT_EQ(tCopy.vt, tExpected.vt) << uType;
+            tCopy.vt = VT_EMPTY;
+        }
+    }
+}
+
 TEST(TVariant, KeepsTheReferenceCountWhenAnAssignedObjectDoesNotFit) {
     TFakeDispatch tObject;
     TVariant t;
