@@ -82,6 +82,10 @@ TComError::~TComError() {
     LocalFree(pzMessage);
 }
 
+HRESULT TComError::Error() const noexcept {
+    return hr;
+}
+
 std::wstring TComError::sGetErrorMessage(HRESULT hr_, IErrorInfo * p) {
     if (p != pErrorInfo) TReference<IErrorInfo> const pOld(std::exchange(pErrorInfo, p));
     hr = hr_;
@@ -92,6 +96,10 @@ std::wstring TComError::sGetErrorMessage(HRESULT hr_, IErrorInfo * p) {
 wchar_t const * TComError::ErrorMessage() const noexcept {
     if (pzMessage == nullptr) pzMessage = pzMakeText(hr).release();
     return pzMessage;
+}
+
+unsigned short TComError::WCode() const noexcept {
+    return HRESULTToWCode(hr);
 }
 
 unsigned short TComError::HRESULTToWCode(HRESULT hr_) noexcept {

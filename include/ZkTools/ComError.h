@@ -27,7 +27,7 @@ public:
     TComError & operator=(TComError const & tOther) noexcept;
     ~TComError() override;
 
-    [[nodiscard]] HRESULT Error() const noexcept { return hr; }
+    [[nodiscard]] HRESULT Error() const noexcept;
     /// Gives this object another error, as the constructor does without `fAddRef`, and returns the text for it in the
     /// form of `what`, which itself stays. An error object held before is released, unless it is the same one.
     std::wstring sGetErrorMessage(HRESULT hr_, IErrorInfo * p);
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] wchar_t const * ErrorMessage() const noexcept;
 
     /// `HRESULTToWCode` of the error.
-    [[nodiscard]] unsigned short WCode() const noexcept { return HRESULTToWCode(hr); }
+    [[nodiscard]] unsigned short WCode() const noexcept;
     /// The number of an error of automation servers: what it lies above 0x80040200. 0 outside 0x80040200 to 0x8004FFFF.
     [[nodiscard]] static unsigned short HRESULTToWCode(HRESULT hr_) noexcept;
     /// The inverse; all numbers from 0xFE00 on give 0x8004FFFF.

@@ -59,7 +59,7 @@ class ZKTOOLS_API TVariant : public tagVARIANT {
 public:
     /// VT_EMPTY.
     TVariant();
-    /// A copy: of a text its own, of an object a reference of its own.
+    /// A copy: of a text its own, of an object a reference of its own. A pointer must not be null, here and below.
     TVariant(tagVARIANT const & tSource);
     TVariant(tagVARIANT const * pSource);
     TVariant(TVariant const & tSource);

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <initializer_list>
 #include <set>
 #include <string>
 #include <string_view>
@@ -17,9 +17,15 @@ namespace {
 /// The exports that begin so.
 std::set<std::string> sFind(std::string_view sBegin) {
     std::set<std::string> sFound;
-    for (std::string const & sExport : TImage(L"ZkTools.dll").sGetExports())
+    static std::set<std::string> const sAll = TImage(L"ZkTools.dll").sGetExports();
+    for (std::string const & sExport : sAll)
         if (sExport.starts_with(sBegin)) sFound.insert(sExport);
     return sFound;
+}
+
+void ExpectAll(std::initializer_list<char const *> pzDeclarations) {
+    for (char const * const pzDeclaration : pzDeclarations)
+        EXPECT_EQ(sFind(pzDeclaration).size(), 1u) << pzDeclaration;
 }
 
 /// The declarations of one family.
@@ -61,14 +67,69 @@ TEST(Exports, HoldEveryOverloadOfTheCallingFamilies) {
 }
 
 TEST(Exports, HoldTheWorkersOfTheFamilies) {
-    for (char const * const pzDeclaration : {
-             "TVariant::GetPropertyImp(wstring const&, tagVARIANT&, tagDISPPARAMS&) const",
-             "TVariant::PutPropertyImp(wstring const&, tagDISPPARAMS&) const",
-             "TVariant::PutRefPropertyImp(wstring const&, tagDISPPARAMS&) const",
-             "TVariant::CallImp(wstring const&, tagDISPPARAMS&) const",
-             "TVariant::CallRImp(wstring const&, tagVARIANT&, tagDISPPARAMS&) const",
-         })
-        EXPECT_EQ(sFind(pzDeclaration).size(), 1u) << pzDeclaration;
+    ExpectAll({
+        "TVariant::GetPropertyImp(wstring const&, tagVARIANT&, tagDISPPARAMS&) const",
+        "TVariant::PutPropertyImp(wstring const&, tagDISPPARAMS&) const",
+        "TVariant::PutRefPropertyImp(wstring const&, tagDISPPARAMS&) const",
+        "TVariant::CallImp(wstring const&, tagDISPPARAMS&) const",
+        "TVariant::CallRImp(wstring const&, tagVARIANT&, tagDISPPARAMS&) const",
+    });
+}
+
+TEST(Exports, HoldTheValuesWhole) {
+    ExpectAll({
+        "TVariant::TVariant()",
+        "TVariant::TVariant(tagVARIANT const&)",
+        "TVariant::TVariant(tagVARIANT const*)",
+        "TVariant::TVariant(TVariant const&)",
+        "TVariant::TVariant(tagVARIANT&, bool)",
+        "TVariant::TVariant(short, unsigned short)",
+        "TVariant::TVariant(long, unsigned short)",
+        "TVariant::TVariant(float)",
+        "TVariant::TVariant(double, unsigned short)",
+        "TVariant::TVariant(tagCY const&)",
+        "TVariant::TVariant(wstring const&)",
+        "TVariant::TVariant(wchar_t const*)",
+        "TVariant::TVariant(char const*)",
+        "TVariant::TVariant(IDispatch*, bool)",
+        "TVariant::TVariant(IUnknown*, bool)",
+        "TVariant::TVariant(bool)",
+        "TVariant::TVariant(unsigned char)",
+        "TVariant::~TVariant()",
+        "TVariant::Initialize()",
+        "TVariant::Clear()",
+        "TVariant::Attach(tagVARIANT&)",
+        "TVariant::Detach()",
+        "TVariant::ChangeType(unsigned short, TVariant const*)",
+        "TVariant::SetString(char const*)",
+        "TVariant::operator!() const",
+    });
+    EXPECT_EQ(sFind("TVariant::TVariant(").size(), 17u);
+    EXPECT_EQ(sFind("TVariant::operator=(").size(), 13u);
+    EXPECT_EQ(sFind("TVariant::operator==(").size(), 2u);
+    EXPECT_EQ(sFind("TVariant::operator!=(").size(), 2u);
+    EXPECT_EQ(sFind("TVariant::operator ").size(), 10u); // the conversions
+}
+
+TEST(Exports, HoldTheErrorWhole) {
+    ExpectAll({
+        "TComError::TComError(long, IErrorInfo*, bool)",
+        "TComError::TComError(TComError const&)",
+        "TComError::~TComError()",
+        "TComError::operator=(TComError const&)",
+        "TComError::Error() const",
+        "TComError::sGetErrorMessage[abi:cxx11](long, IErrorInfo*)",
+        "TComError::ErrorMessage() const",
+        "TComError::WCode() const",
+        "TComError::HRESULTToWCode(long)",
+        "TComError::WCodeToHRESULT(unsigned short)",
+        "TComError::ErrorInfo() const",
+        "TComError::Description[abi:cxx11]() const",
+        "TComError::HelpFile[abi:cxx11]() const",
+        "TComError::Source[abi:cxx11]() const",
+        "TComError::HelpContext() const",
+        "TComError::GUID() const",
+    });
 }
 
 TEST(Exports, DoNotHoldWhatIsInternal) {
@@ -77,17 +138,16 @@ TEST(Exports, DoNotHoldWhatIsInternal) {
 }
 
 TEST(Exports, HoldThePlatformHelpers) {
-    for (char const * const pzDeclaration : {
-             "fRegistryGetValue(HKEY__*, wchar_t const*, wchar_t const*, unsigned long, unsigned char*, unsigned long)",
-             "GetHighestAvailableFrameworkVersion()",
-             "dwGetDotNet4Release()",
-             "IsUserAdmin()",
-             "RunElevated(HWND__*, wchar_t const*, wchar_t const*)",
-             "SetVistaTheme(HWND__*)",
-             "SetCbAutoComplete(HWND__*, EAutoComplete)",
-             "SetEditAutoComplete(HWND__*, EAutoComplete)",
-         })
-        EXPECT_EQ(sFind(pzDeclaration).size(), 1u) << pzDeclaration;
+    ExpectAll({
+        "fRegistryGetValue(HKEY__*, wchar_t const*, wchar_t const*, unsigned long, unsigned char*, unsigned long)",
+        "GetHighestAvailableFrameworkVersion()",
+        "dwGetDotNet4Release()",
+        "IsUserAdmin()",
+        "RunElevated(HWND__*, wchar_t const*, wchar_t const*)",
+        "SetVistaTheme(HWND__*)",
+        "SetCbAutoComplete(HWND__*, EAutoComplete)",
+        "SetEditAutoComplete(HWND__*, EAutoComplete)",
+    });
 }
 
 #endif

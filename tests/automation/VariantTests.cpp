@@ -253,6 +253,16 @@ TEST(TVariant, ConvertsAValueOfAnotherTypeAndLeavesItself) {
     EXPECT_EQ(static_cast<std::wstring>(TVariant(true)), L"-1"); // flags 0: no words for a bool
 }
 
+TEST(TVariant, IsReadWhereAValueIsWanted) {
+    TVariant const tNumber(4L);
+    std::wstring const sWord = tNumber;
+    EXPECT_EQ(sWord, L"4");
+    double const dNumber = tNumber;
+    EXPECT_EQ(dNumber, 4);
+    EXPECT_TRUE(tNumber ? true : false);
+    EXPECT_FALSE(TVariant(false) ? true : false);
+}
+
 TEST(TVariant, RefusesWhatCannotBeConverted) {
     TVariant const tText(L"no number");
     EXPECT_EQ(hrOf([&] { static_cast<void>(static_cast<short>(tText)); }), DISP_E_TYPEMISMATCH);
