@@ -308,16 +308,20 @@ TEST(Dispatch, ReportsWhatTheServerSays) {
               "Number of parameters: 0");
 }
 
+namespace {
+
+HRESULT STDAPICALLTYPE hrFillIn(EXCEPINFO * pExcepInfo) {
+    pExcepInfo->wCode = 7;
+    pExcepInfo->bstrDescription = SysAllocString(L"late");
+    return S_OK;
+}
+
+} // namespace
+
 TEST(Dispatch, AsksAServerForTextsThatItPutOff) {
     TFakeDispatch tObject;
     tObject.hrInvoke = DISP_E_EXCEPTION;
-    tObject.tOnInvoke = [](VARIANT *, EXCEPINFO * pExcepInfo, UINT *) {
-        pExcepInfo->pfnDeferredFillIn = [](EXCEPINFO * pInfo) -> HRESULT {
-            pInfo->wCode = 7;
-            pInfo->bstrDescription = SysAllocString(L"late");
-            return S_OK;
-        };
-    };
+    tObject.tOnInvoke = [](VARIANT *, EXCEPINFO * pExcepInfo, UINT *) { pExcepInfo->pfnDeferredFillIn = &hrFillIn; };
     std::string const sFailure = sFailureOf([&] { TVariant(&tObject, true).Call(L"Turn"); });
     EXPECT_NE(sFailure.find("\r\nError#: 7\r\nSource: unknown\r\nDescription: late\r\n"), std::string::npos);
 }
