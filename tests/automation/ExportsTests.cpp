@@ -105,7 +105,7 @@ TEST(Exports, HoldTheValuesWhole) {
         "TVariant::operator!() const",
     });
     EXPECT_EQ(sFind("TVariant::TVariant(").size(), 17u);
-    EXPECT_EQ(sFind("TVariant::operator=(").size(), 13u);
+    EXPECT_EQ(sFind("TVariant::operator=(").size(), 15u);
     EXPECT_EQ(sFind("TVariant::operator==(").size(), 2u);
     EXPECT_EQ(sFind("TVariant::operator!=(").size(), 2u);
     EXPECT_EQ(sFind("TVariant::operator ").size(), 10u); // the conversions
