@@ -2,6 +2,7 @@
 #include "ZkTools/OptionTree.h"
 
 #include "options/NodePool.h"
+#include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>
 
@@ -209,3 +210,47 @@ TEST(TNodePool, NeverGivesABlockTwice) {
     void * const pLast = tPool.pTake(); // it works after that too, as for trees that die late
     tPool.Give(pLast);
 }
+
+#ifdef NDEBUG // the debug build takes its blocks from the heap
+TEST(TNodePool, GivesFreeMemoryBackButForAFewPieces) {
+    // Without memory of its own: guarded memory is mapped by this program, too, in pieces of other sizes.
+    constexpr std::size_t uPiece = std::size_t{256} * 1024;
+    std::array<void *, 100> apMapped{};
+    auto const uCountMapped = [&] {
+        return apMapped.size() - static_cast<std::size_t>(std::ranges::count(apMapped, nullptr));
+    };
+    HMODULE const hSelf = GetModuleHandleW(nullptr); // the pool stands in this program
+    zk_test::TSystemCall<"VirtualAlloc", decltype(VirtualAlloc)> tMap(
+        [&](void * pWhere, SIZE_T uSize, DWORD dwType, DWORD dwProtect) {
+            void * const pMemory = tMap.Original(pWhere, uSize, dwType, dwProtect);
+            bool const fOfPool = uSize == uPiece || uSize == 2 * uPiece;
+            if (fOfPool && pMemory != nullptr) *std::ranges::find(apMapped, nullptr) = pMemory;
+            return pMemory;
+        },
+        hSelf);
+    zk_test::TSystemCall<"VirtualFree", decltype(VirtualFree)> tUnmap(
+        [&](void * pMemory, SIZE_T uSize, DWORD dwType) {
+            if (dwType == MEM_RELEASE) std::ranges::replace(apMapped, pMemory, nullptr);
+            return tUnmap.Original(pMemory, uSize, dwType);
+        },
+        hSelf);
+    TNodePool tPool(1000);
+    std::vector<void *> pTaken;
+    std::mt19937 tRandom(27);
+    for (int iRound = 0; iRound < 3; ++iRound) {
+        for (int i = 0; i < 262 * 40; ++i) // so many fit into 40 pieces
+            pTaken.push_back(tPool.pTake());
+        EXPECT_EQ(uCountMapped(), 40u);
+        std::ranges::shuffle(pTaken, tRandom);
+        for (void * const pBlock : pTaken)
+            tPool.Give(pBlock);
+        pTaken.clear();
+        EXPECT_EQ(uCountMapped(), 16u);
+    }
+    void * const pBlock = tPool.pTake();
+    tPool.KeepNothing();
+    EXPECT_EQ(uCountMapped(), 1u); // that of the block
+    tPool.Give(pBlock);
+    EXPECT_EQ(uCountMapped(), 0u);
+}
+#endif
