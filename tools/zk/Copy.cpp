@@ -61,7 +61,7 @@ std::wstring sDescribe(TCount const & tCount) {
     return sText;
 }
 
-/// Reports to the job what it copies, and names what it keeps.
+/// Reports to the job what it copies, and counts what it keeps.
 TCount tCopyTree(std::wstring const & sSource, std::wstring const & sTarget, bool fKeep, TVeryJobBase & tJob) {
     TCount tCount;
     unsigned __int64 uiDone = 0;
