@@ -1,6 +1,7 @@
 // zk copy: a file, or a directory with all that is in it.
 #include "tools/zk/Commands.h"
 #include "tools/zk/Console.h"
+#include "tools/zk/FullPath.h"
 #include "tools/zk/Gauge.h"
 
 #include "ZkBase/Exceptions.h"
@@ -18,18 +19,6 @@ constexpr std::array tCopySwitches{
 };
 
 constexpr unsigned __int64 uiStep = 1024; // bytes: the gauge counts in 32 bits
-
-/// The path as the system sees it from here, without a backslash at its end.
-std::wstring sMakeFull(std::wstring const & sPath) {
-    std::wstring sFull(sPath.size() + MAX_PATH, L'\0');
-    DWORD dwLength;
-    while ((dwLength = GetFullPathNameW(sPath.c_str(), static_cast<DWORD>(sFull.size()), sFull.data(), nullptr)) >
-           sFull.size())
-        sFull.resize(dwLength);
-    sFull.resize(dwLength);
-    ClearBackslash(sFull);
-    return sFull;
-}
 
 TGaugeJob * pRunning = nullptr; // what Ctrl-C ends; set while the handler is
 
@@ -91,8 +80,8 @@ TCount tCopyFile(std::wstring const & sSource, std::wstring const & sTarget, boo
 }
 
 EExit eCopy(TArguments const & tArguments) {
-    std::wstring const sSource = sMakeFull(tArguments.sGet(0));
-    std::wstring const sTarget = sMakeFull(tArguments.sGet(1));
+    std::wstring const sSource = sClearBackslash(sGetAbsolute(tArguments.sGet(0)));
+    std::wstring const sTarget = sClearBackslash(sGetAbsolute(tArguments.sGet(1)));
     bool const fKeep = tArguments.fHas(L"--keep");
     if (!fExistDirectory(sSource.c_str())) {
         PrintLine(sDescribe(tCopyFile(sSource, sTarget, fKeep)));
