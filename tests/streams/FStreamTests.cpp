@@ -72,6 +72,12 @@ TChildRole const tWriterOnAFullDisk(L"fstream_destructor", [](std::vector<std::w
     return 0;
 });
 
+/// Not inline: within the caller the compiler would take the system's calls from the import table once, before they are
+/// replaced there.
+[[gnu::noinline]] void CloseByOwner(HANDLE hFile) {
+    TFileHandle const tHandle(hFile);
+}
+
 LONG WINAPI TellRaisedException(EXCEPTION_POINTERS * pPointers) {
     EXCEPTION_RECORD const & tRecord = *pPointers->ExceptionRecord;
     if (tRecord.ExceptionCode != 0x80070006) return EXCEPTION_CONTINUE_SEARCH;
@@ -521,6 +527,31 @@ TEST(TFStream, ASeekBelowZeroIsRefusedByTheSystem) {
     EXPECT_EQ(c, 'b');
 }
 
+TEST(TFStream, GoesToAPositionThatLooksLikeAFailure) {
+    TTempDirectory const tDirectory;
+    TFStream tStream(tDirectory.sWrite(L"a.txt", "abc").c_str(), FS_BINARY);
+    SetLastError(ERROR_ACCESS_DENIED);
+    tStream.SetPos(0xFFFFFFFF);
+    EXPECT_EQ(tStream.dwGetPos(), 0xFFFFFFFFu);
+}
+
+TEST(TFStream, MovesTheDeviceFromEveryOrigin) {
+    TTempDirectory const tDirectory;
+    TFStream tStream(tDirectory.sWrite(L"a.txt", "abcdefgh").c_str(), FS_BINARY);
+    struct {
+        __int64 iPos;
+        int iOrigin;
+        char cThere;
+    } const atRows[] = {{2, 0, 'c'}, {2, 1, 'f'}, {-2, 1, 'e'}, {-1, 2, 'h'}, {3, 3, 'd'}, {1, -1, 'b'}};
+    for (auto const & tRow : atRows) {
+        char c = 0;
+        tStream.DeviceSeek(tRow.iPos, tRow.iOrigin);
+        EXPECT_EQ(tStream.dwDeviceRead(&c, 1), 1u);
+        EXPECT_EQ(c, tRow.cThere) << tRow.iOrigin;
+    }
+    EXPECT_NE(sThrown([&] { tStream.DeviceSeek(-1, 3); }), ""); // from the start too
+}
+
 TEST(TFStream, ADestructorThatCannotWriteEndsTheProcess) {
     TTempDirectory const tDirectory;
     TChildProcess tChild(tWriterOnAFullDisk, {tDirectory.sGetPath(L"a.txt")});
@@ -652,6 +683,23 @@ TEST(TDebugFile, StaysSilentWithoutAFile) {
     EXPECT_EQ(sReadFileBytes(sPath), "x");
 }
 
+TEST(TDebugFile, OpensForItselfAlone) {
+    TTempDirectory const tDirectory;
+    std::wstring const sPath = tDirectory.sGetPath(L"log");
+    std::string sForms;
+    TCreateFileCall const tCreate([&](wchar_t const * pzPath, DWORD dwAccess, DWORD dwShare,
+                                      SECURITY_ATTRIBUTES * pSecurity, DWORD dwDisposition, DWORD dwFlags,
+                                      HANDLE hTemplate) {
+        EXPECT_EQ(dwAccess, GENERIC_READ | GENERIC_WRITE);
+        EXPECT_EQ(dwShare, 0u);
+        sForms += std::to_string(dwDisposition) + ' ';
+        return tCreate.Original(pzPath, dwAccess, dwShare, pSecurity, dwDisposition, dwFlags, hTemplate);
+    });
+    TDebugFile tLog(sPath, true);
+    tLog.Append(L"a");
+    EXPECT_EQ(sForms, std::to_string(CREATE_ALWAYS) + ' ' + std::to_string(OPEN_EXISTING) + ' ');
+}
+
 TEST(TDebugFile, ACopyGoesOnInTheSameFile) {
     TTempDirectory const tDirectory;
     std::wstring const sPath = tDirectory.sGetPath(L"log");
@@ -694,6 +742,28 @@ TEST(HandleT, ClosesWhatItOwns) {
     HANDLE const hGiven = tThird.hRelease();
     EXPECT_FALSE(tThird.fIsValid());
     CloseHandle(hGiven);
+}
+
+TEST(HandleT, RaisesTheErrorOfTheSystemAsAResult) {
+    struct {
+        DWORD dwError, dwCode;
+    } const atRows[] = {{6, 0x80070006}, {0x12345, 0x80072345}, {0x80004005, 0x80004005}, {0, 0}};
+    HMODULE const hSelf = GetModuleHandleW(nullptr); // the owner is compiled into this program
+    for (auto const & tRow : atRows) {
+        DWORD dwCode = 77;
+        TSystemCall<"CloseHandle", decltype(CloseHandle)> const tClose(
+            [&](HANDLE) { return tFailWith(tRow.dwError, FALSE); }, hSelf);
+        TSystemCall<"RaiseException", decltype(RaiseException)> const tRaise(
+            [&](DWORD dwRaised, DWORD dwFlags, DWORD dwCount, ULONG_PTR const * pArguments) {
+                dwCode = dwRaised;
+                EXPECT_EQ(dwFlags, static_cast<DWORD>(EXCEPTION_NONCONTINUABLE));
+                EXPECT_EQ(dwCount, 0u);
+                EXPECT_EQ(pArguments, nullptr);
+            },
+            hSelf);
+        CloseByOwner(hSelf);
+        EXPECT_EQ(dwCode, tRow.dwCode);
+    }
 }
 
 TEST(HandleT, RaisesASystemExceptionForAHandleThatCannotBeClosed) {
