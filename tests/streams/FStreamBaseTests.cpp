@@ -14,6 +14,7 @@
 #include <vector>
 
 using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -662,6 +663,64 @@ TEST(TFStreamBase, ReadsAndWritesTextThroughBuffersOfAnySize) {
         tStream.BufFlush();
         tStream.SetPos(0);
         ASSERT_EQ(asReadLines(tStream), asLines) << eCodePage << ' ' << dwBuffer;
+    }
+}
+
+TEST(TFStreamBase, DoesWithCharactersWhatAMemoryStreamDoes) {
+    // Random readers and moves over buffers of every small size, against the same bytes in memory.
+    std::mt19937 tRandom(815);
+    constexpr std::wstring_view sAlphabet = L"abcdefgh\u00E4\u0416\u30AB\u6F22\n\\\0\uFFFF"sv;
+    for (int i = 0; i < 1500; ++i) {
+        ECodePage const eCodePage =
+            std::array{ecpUtf8, ecpUtf16, ecpUtf16Swapped, ecpWestern, ecpJapanese}[tRandom() % 5];
+        bool const fUtf16 = eCodePage == ecpUtf16 || eCodePage == ecpUtf16Swapped;
+        TStreamBase tMemory(eCodePage);
+        for (std::size_t u = tRandom() % 120; u != 0; --u)
+            tMemory.WriteChar(sAlphabet[tRandom() % sAlphabet.size()]);
+        if (tMemory.fIsEoF() && tMemory.pGetData() == nullptr) continue;
+        unsigned long const dwSize = tMemory.dwGetSize();
+        if (tRandom() % 3 == 0) tMemory.pGetData()[tRandom() % dwSize] = static_cast<unsigned char>(tRandom() % 0xF8);
+        tMemory.SetPos(0);
+        std::string const sBytes(reinterpret_cast<char *>(tMemory.pGetData()), dwSize);
+        TDeviceStream tFile(sBytes, static_cast<unsigned long>(tRandom() % 40), FS_BINARY, eCodePage);
+
+        for (int iStep = 0; iStep < 40; ++iStep) {
+            unsigned int const uKind = tRandom() % 6;
+            auto const dwAny = static_cast<unsigned long>(tRandom());
+            auto const Do = [=](TStreamBase & t) {
+                std::wstring sResult = L"before";
+                wchar_t c = L'x';
+                char acBytes[8] = {};
+                try {
+                    switch (uKind) {
+                    case 0:
+                        t.ReadChar(c);
+                        break;
+                    case 1:
+                        t.PeekChar(c);
+                        break;
+                    case 2:
+                        if (!fUtf16) t.SkipChars(dwAny % 12);
+                        break;
+                    case 3:
+                        t.ReadStringForPascal(sResult, dwAny % 12);
+                        break;
+                    case 4:
+                        t.SetPos(dwAny % (dwSize + 1));
+                        break;
+                    default:
+                        t.ReadData(acBytes, std::min(dwAny % 8, dwSize - t.dwGetPos()));
+                    }
+                } catch (TXZkTools const & tError) {
+                    sResult += std::to_wstring(tError.iGetNumber());
+                } catch (TXError const &) {
+                    sResult += L" not decoded"; // its text tells how much the buffer held
+                }
+                return sResult + c + std::wstring(std::begin(acBytes), std::end(acBytes)) +
+                       std::to_wstring(t.dwGetPos()) + (t.fIsEoF() ? L" end" : L"");
+            };
+            ASSERT_EQ(Do(tFile), Do(tMemory)) << eCodePage << ' ' << uKind;
+        }
     }
 }
 
