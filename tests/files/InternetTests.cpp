@@ -91,7 +91,7 @@ protected:
 
 TEST_F(ReadInternetFileFromServer, WritesTheBodyAsItIs) {
     std::string sBody;
-    for (int i = 0; i < 100'000; ++i)
+    for (unsigned i = 0; i < 100'000; ++i)
         sBody += static_cast<char>(i * i >> 3);
     tServer.Answer("/file", "200 OK", sBody);
     EXPECT_EQ(sRead(L"/file"), sBody);
