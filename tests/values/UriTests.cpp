@@ -8,8 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <shlwapi.h>
 #include <wincrypt.h>
 
+#include <cwchar>
 #include <functional>
 #include <random>
 #include <regex>
@@ -49,6 +51,15 @@ TEST(SPathToURI, MakesUrlsOfPaths) {
     };
     for (auto const & tRow : atRows)
         EXPECT_EQ(sPathToURI(tRow.pzPath), tRow.pzUrl) << PrintToString(tRow.pzPath);
+}
+
+TEST(SPathToURI, TakesTheSchemeOffRelativePathsInAnyCase) {
+    zk_test::TSystemCall<"UrlCreateFromPathW", decltype(UrlCreateFromPathW)> const tCreate(
+        [](wchar_t const *, wchar_t * pzUrl, DWORD *, DWORD) {
+            std::wcscpy(pzUrl, L"File:a/b");
+            return S_OK;
+        });
+    EXPECT_EQ(sPathToURI(L"a\\b"), L"a/b");
 }
 
 TEST(SPathToURI, IsEmptyForWhatDoesNotFit) {
@@ -129,6 +140,13 @@ TEST(FIsValidURL, AsksThePlatformAndRefusesLineEnds) {
         EXPECT_EQ(fIsValidURL(tRow.sText), tRow.fUrl) << PrintToString(tRow.sText);
         EXPECT_EQ(fIsValidURL_NoQuery(tRow.sText), tRow.fWithoutQuery) << PrintToString(tRow.sText);
     }
+}
+
+TEST(FIsValidURL, TakesThePlatformsWordForAQuery) {
+    // Not every version of it has a word: Wine's does not look for queries.
+    zk_test::TSystemCall<"UrlIsW", decltype(UrlIsW)> const tIs([](wchar_t const *, URLIS) -> BOOL { return TRUE; });
+    EXPECT_TRUE(fIsValidURL(L"http://host"));
+    EXPECT_FALSE(fIsValidURL_NoQuery(L"http://host"));
 }
 
 TEST(FIsValidURI, TakesAbsoluteAndRelativeOnes) {
