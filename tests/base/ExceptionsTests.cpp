@@ -1,6 +1,7 @@
 #include "ZkBase/Exceptions.h"
 
 #include "ZkBase/Windows.h"
+#include "tests/support/SystemCall.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 #include <climits>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -229,6 +231,21 @@ TEST(sGetErrorString, IsTheSystemsTextWithoutItsLineEnd) {
         EXPECT_EQ(sText.find_first_of(L"\r\n"), std::wstring::npos);
         EXPECT_NE(sText.back(), L' ');
     }
+}
+
+TEST(sGetErrorString, TakesOffWhateverLineEndAndBlanksTheSystemPuts) {
+    zk_test::TSystemCall<"FormatMessageW",
+                         DWORD WINAPI(DWORD, void const *, DWORD, DWORD, wchar_t *, DWORD, char **)> const
+        tFormat(
+            [](DWORD, void const *, DWORD, DWORD, wchar_t * pzBuffer, DWORD, char **) -> DWORD {
+                constexpr std::wstring_view sText = L" A text. \r\n \r\n";
+                auto * const pzText = static_cast<wchar_t *>(LocalAlloc(LPTR, (sText.size() + 1) * sizeof(wchar_t)));
+                sText.copy(pzText, sText.size());
+                *reinterpret_cast<wchar_t **>(pzBuffer) = pzText;
+                return static_cast<DWORD>(sText.size());
+            },
+            L"ZkBase.dll");
+    EXPECT_EQ(sGetErrorString(ERROR_DISK_FULL), L" A text.");
 }
 
 TEST(sGetErrorString, LeavesInsertsAlone) {

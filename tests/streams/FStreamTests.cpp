@@ -476,6 +476,28 @@ TEST(TFStream, TellsTheFirst254CharactersOfTheReason) {
               "-1: " + std::string(254, 'x') + "\r\n" + TXZkTools(IDS_APPEND_FILE_DETAIL, sPath.c_str()).what());
 }
 
+TEST(TFStream, AReadBehindTheEndIsAFailureWithABufferToo) {
+    TTempDirectory const tDirectory;
+    std::wstring const sPath = tDirectory.sWrite(L"a.txt", "abc");
+    TFStream tStream(sPath.c_str(), FS_BINARY);
+    tStream.SetPos(4);
+    wchar_t cWide = 0;
+    EXPECT_EQ(sThrown([&] { tStream.ReadChar(cWide); }), sReasonThen(ERROR_HANDLE_EOF, 4260, sPath));
+    char c = 0;
+    EXPECT_EQ(sThrown([&] { tStream.Read(c); }), sReasonThen(ERROR_HANDLE_EOF, 4260, sPath));
+    EXPECT_EQ(tStream.dwGetPos(), 4u);
+}
+
+TEST(TFStream, ForgetsAFailureThatIsPendingWhenItIsOpened) {
+    TTempDirectory const tDirectory;
+    struct TPending : TFStream {
+        using TFStream::dwLastError;
+    } tStream;
+    tStream.dwLastError = ERROR_CRC;
+    EXPECT_EQ(sThrown([&] { static_cast<TFStream &>(tStream).Open(tDirectory.sWrite(L"a.txt", "x").c_str(), 0); }), "");
+    EXPECT_TRUE(tStream.fIsOpen());
+}
+
 TEST(TFStream, AFailedWriteKeepsWhatIsToBeWritten) {
     TTempDirectory const tDirectory;
     std::wstring const sPath = tDirectory.sGetPath(L"a.txt");
@@ -594,6 +616,8 @@ TEST(TFStream, CutsTheFileAtTheEndOfTheBufferBehindARead) {
     std::wstring const sPath = tDirectory.sWrite(L"a.txt", "abcdefgh");
     TFStream tStream(4);
     tStream.Open(sPath.c_str(), FS_READ_WRITE | FS_BINARY);
+    TWriteFileCall const tWrite( // an unchanged buffer is not written back
+        [](HANDLE, void const *, DWORD, DWORD *, OVERLAPPED *) { return tFailWith(ERROR_DISK_FULL, FALSE); });
     char c = 0;
     tStream.Read(c);
     tStream.SetEndOfFile();

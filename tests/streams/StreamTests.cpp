@@ -147,6 +147,11 @@ TEST(TBlob, ReAllocToTheCapacityDoesNothingWhateverTheGranularity) {
     TBlob tBlob(10);
     tBlob.ReAlloc(10, 64);
     EXPECT_EQ(tBlob.dwCapacity, 10u);
+    TBlob tView("0123456789", 10); // which stays one
+    tView.ReAlloc(10, 0);
+    EXPECT_FALSE(tView.fOwner);
+    tView.Alloc(10);
+    EXPECT_FALSE(tView.fOwner);
 }
 
 TEST(TBlob, ReAllocMakesAnOwnedCopyOfAView) {
