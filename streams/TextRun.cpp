@@ -227,16 +227,17 @@ unsigned int uGetUtf8Length(unsigned char uFirst) noexcept {
 }
 
 std::size_t uGetTextLength(wchar_t const * pzText) noexcept {
-    // By pieces of 16 bytes that lie in one page, so that what is behind the terminator can be looked at.
+    // By pieces of 16 units that lie in one page, so that what is behind the terminator can be looked at.
     constexpr std::uintptr_t uPage = 4096;
     __m128i const tZero = _mm_setzero_si128();
     for (wchar_t const * p = pzText;; ++p) {
         std::size_t uInPage = (uPage - reinterpret_cast<std::uintptr_t>(p) % uPage) / sizeof(wchar_t);
-        for (; uInPage >= 8; uInPage -= 8, p += 8) {
-            __m128i const tUnits = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-            auto const uZeros = static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(tUnits, tZero)));
-            if (uZeros != 0)
-                return static_cast<std::size_t>(p - pzText) + static_cast<unsigned>(std::countr_zero(uZeros)) / 2;
+        for (; uInPage >= 16; uInPage -= 16, p += 16) {
+            __m128i const tFront = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+            __m128i const tBack = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 8));
+            __m128i const tZeros = _mm_packs_epi16(_mm_cmpeq_epi16(tFront, tZero), _mm_cmpeq_epi16(tBack, tZero));
+            if (auto const uZeros = static_cast<unsigned int>(_mm_movemask_epi8(tZeros)); uZeros != 0)
+                return static_cast<std::size_t>(p - pzText) + static_cast<unsigned>(std::countr_zero(uZeros));
         }
         for (; uInPage != 0; --uInPage, ++p) {
             if (*p == 0) return static_cast<std::size_t>(p - pzText);

@@ -2,7 +2,6 @@
 
 #include "streams/CopyBytes.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -134,17 +133,7 @@ struct TBytes {
     __m128i t;
     std::uint32_t uAbove; ///< not ASCII, one bit each
     std::uint32_t uLater; ///< continuation bytes
-    std::uint32_t uStops; ///< stops and zeros
 };
-
-TBytes tLook(unsigned char const * p, __m128i tStop1, __m128i tStop2) noexcept {
-    __m128i const t = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-    __m128i const tStops = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(t, tStop1), _mm_cmpeq_epi8(t, tStop2)),
-                                        _mm_cmpeq_epi8(t, _mm_setzero_si128()));
-    return {t, static_cast<std::uint32_t>(_mm_movemask_epi8(t)),
-            static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmplt_epi8(t, _mm_set1_epi8(-64)))),
-            static_cast<std::uint32_t>(_mm_movemask_epi8(tStops))};
-}
 
 /// Puts together eight units of their bytes and the bytes behind those: where a character of two bytes begins, from
 /// both.
@@ -218,36 +207,42 @@ ZK_SHUFFLE_CODE bool fTakeFour(TBytes const & tBytes, int iStop, unsigned char c
     return true;
 }
 
-void TakeAscii(TBytes const & tBytes, int iCount, unsigned char const *& p, wchar_t *& pOut) noexcept {
-    __m128i const tZero = _mm_setzero_si128();
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_unpacklo_epi8(tBytes.t, tZero));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + 8), _mm_unpackhi_epi8(tBytes.t, tZero));
-    p += iCount;
-    pOut += iCount;
-}
-
 ZK_SHUFFLE_CODE bool fTakePieces(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
                                  wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept {
+    __m128i const tZero = _mm_setzero_si128();
     __m128i const tStop1 = _mm_set1_epi8(cStop1);
     __m128i const tStop2 = _mm_set1_epi8(cStop2);
     unsigned char const * p = pFrom;
     wchar_t * pOut = pTo;
     bool fStopped = false;
     while (pEnd - p >= 16 && pOutEnd - pOut >= 16 && !fStopped) {
-        TBytes const tBytes = tLook(p, tStop1, tStop2);
-        int const iStop = std::countr_zero(tBytes.uStops | 0x10000);
-        std::uint32_t const uIn = (1u << iStop) - 1;
-        auto const uLong = static_cast<std::uint32_t>(
-            _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(tBytes.t, _mm_set1_epi8(-32)), tBytes.t))); // 0xE0 and above
+        // As if it were ASCII; what is not writes over it.
+        __m128i const t = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_unpacklo_epi8(t, tZero));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut + 8), _mm_unpackhi_epi8(t, tZero));
+        __m128i const tStops =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(t, tStop1), _mm_cmpeq_epi8(t, tStop2)), _mm_cmpeq_epi8(t, tZero));
+        if (_mm_movemask_epi8(_mm_or_si128(t, tStops)) == 0) {
+            p += 16;
+            pOut += 16;
+            continue;
+        }
+        int const iStop = std::countr_zero(static_cast<std::uint32_t>(_mm_movemask_epi8(tStops)) | 0x10000);
         unsigned char const * const pStop = p + iStop;
-        bool fTaken = true;
+        TBytes const tBytes{t, static_cast<std::uint32_t>(_mm_movemask_epi8(t)),
+                            static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmplt_epi8(t, _mm_set1_epi8(-64))))};
+        auto const uLong = static_cast<std::uint32_t>(
+            _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(t, _mm_set1_epi8(-32)), t))); // 0xE0 and above
         // The order is that of the branches that are foreseen best: what the text is like, not where it ends.
+        bool fTaken = true;
         if (tBytes.uAbove == 0 || iStop == 0) {
-            TakeAscii(tBytes, iStop, p, pOut);
-        } else if ((uLong & uIn) == 0) {
+            p += iStop;
+            pOut += iStop;
+        } else if ((uLong & ((1u << iStop) - 1)) == 0) {
             fTaken = fTakeShort(tBytes, iStop, p, pOut);
         } else if (int const iAscii = std::countr_zero(tBytes.uAbove); iAscii >= iCharacters) {
-            TakeAscii(tBytes, iAscii, p, pOut);
+            p += iAscii;
+            pOut += iAscii;
         } else {
             fTaken = fTakeFour(tBytes, iStop, p, pOut);
         }
@@ -310,33 +305,31 @@ bool fIsAscii(__m128i tUnits) noexcept {
     return _mm_movemask_epi8(_mm_cmpeq_epi16(tAbove, _mm_setzero_si128())) == 0xFFFF;
 }
 
+/// Encodes sixteen units, unless one is a surrogate half.
+ZK_SHUFFLE_CODE bool fEncodeSixteen(wchar_t const * p, char *& pOut) noexcept {
+    __m128i const tFront = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
+    __m128i const tBack = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 8));
+    if (fIsAscii(_mm_or_si128(tFront, tBack))) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tFront, tBack));
+        pOut += 16;
+        return true;
+    }
+    return fEncodeEight(tFront, pOut) && fEncodeEight(tBack, pOut);
+}
+
 ZK_SHUFFLE_CODE void EncodePieces(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept {
     wchar_t const * p = pFrom;
-    char * pOut = pTo;
-    bool fPlain = true;
-    while (pEnd - p >= 16 && fPlain) {
-        __m128i const tFront = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p));
-        __m128i const tBack = _mm_loadu_si128(reinterpret_cast<__m128i const *>(p + 8));
-        if (fIsAscii(_mm_or_si128(tFront, tBack))) {
-            _mm_storeu_si128(reinterpret_cast<__m128i *>(pOut), _mm_packus_epi16(tFront, tBack));
-            pOut += 16;
-            p += 16;
-        } else {
-            fPlain = fEncodeEight(tFront, pOut);
-            if (fPlain) p += 8;
-            fPlain = fPlain && fEncodeEight(tBack, pOut);
-            if (fPlain) p += 8;
-        }
-    }
-    // The rest with zeros behind it, which take a byte each.
-    while (p != pEnd && fPlain) {
-        std::array<wchar_t, 8> acUnits{};
-        auto const uCount = std::min<std::size_t>(static_cast<std::size_t>(pEnd - p), acUnits.size());
-        CopyBytes(acUnits.data(), p, uCount * sizeof(wchar_t));
-        fPlain = fEncodeEight(tLoad(acUnits), pOut);
-        if (fPlain) {
-            p += uCount;
-            pOut -= acUnits.size() - uCount;
+    char * pOut = pTo; // of the pieces taken
+    char * pNext = pTo;
+    for (; pEnd - p >= 16 && fEncodeSixteen(p, pNext); p += 16)
+        pOut = pNext;
+    if (auto const uRest = static_cast<std::size_t>(pEnd - p); uRest != 0 && uRest < 16) {
+        // With zeros behind it, which take a byte each.
+        std::array<wchar_t, 16> acUnits{};
+        CopyBytes(acUnits.data(), p, uRest * sizeof(wchar_t));
+        if (fEncodeSixteen(acUnits.data(), pNext)) {
+            p = pEnd;
+            pOut = pNext - (acUnits.size() - uRest);
         }
     }
     pFrom = p;

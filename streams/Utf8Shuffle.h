@@ -8,6 +8,6 @@
 [[nodiscard]] bool fTakeUtf8ByShuffle(unsigned char const *& pFrom, unsigned char const * pEnd, wchar_t *& pTo,
                                       wchar_t const * pOutEnd, char cStop1, char cStop2) noexcept;
 
-/// Encodes by pieces of eight units in front of the first piece that holds a surrogate half. Every unit left takes
+/// Encodes by pieces of sixteen units in front of the first piece that holds a surrogate half. Every unit left takes
 /// three bytes of the target at most, and 32 bytes more may be written. Moves both pointers.
 void EncodeUtf8ByShuffle(wchar_t const *& pFrom, wchar_t const * pEnd, char *& pTo) noexcept;
