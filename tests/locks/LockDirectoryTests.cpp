@@ -660,6 +660,17 @@ TEST_F(LockDirectory, SharedModePassesAWriterAndReadersButNotASecondWriter) {
     tReader.Lock();
 }
 
+TEST_F(LockDirectory, EveryModeButZeroIsShared) {
+    THandle const hWriter = hHoldLockFile(tDirectory.sGetPath(L"write.lck"));
+    THandle const hReaders[] = {hHoldLockFile(tDirectory.sGetPath(L"rdr%a%b%.tmp")),
+                                hHoldLockFile(tDirectory.sGetPath(L"rdr%a%c%.tmp"))};
+    for (int const iMode : {-1, 0, 1, 2, 7}) {
+        TOpenLock tLock(L"PC1", L"usera", static_cast<EMode>(iMode), sDir());
+        EXPECT_EQ(tLock.fCanOpen(), iMode != 0) << iMode;
+        EXPECT_EQ(sThrown([&] { tLock.xCanLock(); }).empty(), iMode != 0) << iMode;
+    }
+}
+
 TEST_F(LockDirectory, WriterInfoFileIsNoCondition) {
     THandle const hInfo = hHoldLockFile(tDirectory.sGetPath(L"write%PC1%usera%.tmp"));
     TOpenLock tLock(L"PC1", L"usera", eModeStrict, sDir());

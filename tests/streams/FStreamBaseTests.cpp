@@ -317,6 +317,8 @@ TEST(TFStreamBase, AFailedSeekLeavesPositionAndBuffer) {
     EXPECT_EQ(tStream.dwGetPos(), 6u);
     tStream.Seek(15L, 2);
     EXPECT_EQ(tStream.dwGetPos(), 0xFFFFFFFFu);
+    EXPECT_EQ(iThrownNumber([&] { tStream.Seek(1L, 1); }), IDS_SEEK_OUT_OF_RANGE);
+    EXPECT_EQ(tStream.dwGetPos(), 0xFFFFFFFFu);
 }
 
 TEST(TFStreamBase, SetPosGoesAnywhere) {
@@ -344,6 +346,17 @@ TEST(TFStreamBase, IsAtTheEndThereAloneAndNotBehindIt) {
     wchar_t c = 0;
     EXPECT_EQ(iThrownNumber([&] { tStream.ReadChar(c); }), IDS_READ_PAST_END);
     EXPECT_EQ(tStream.dwGetPos(), 4u);
+}
+
+TEST(TFStreamBase, OpenDropsWhatTheBufferHolds) {
+    TDeviceStream tStream("abc");
+    tStream.WriteData("X", 1);
+    tStream.TFStreamBase::Open(L"", FS_TEMPORARY); // the empty name is one
+    EXPECT_EQ(tStream.sGetName(), L".$$$");
+    EXPECT_FALSE(tStream.pBlob->fDirty);
+    EXPECT_EQ(tStream.pBlob->dwUsed, 0u);
+    EXPECT_EQ(tStream.dwGetPos(), 0u);
+    EXPECT_EQ(tStream.sDevice, "abc");
 }
 
 TEST(TFStreamBase, BufFillDropsWhatWasWrittenAndNotFlushed) {

@@ -534,8 +534,12 @@ TEST(TFStream, AFailedFlushOfTheSystemIsAFailure) {
     TTempDirectory const tDirectory;
     std::wstring const sPath = tDirectory.sGetPath(L"a.txt");
     TFStream tStream(sPath.c_str(), FS_CREATE);
+    TFStream tUnbuffered(0);
+    std::wstring const sOther = tDirectory.sGetPath(L"b.txt");
+    tUnbuffered.Open(sOther.c_str(), FS_CREATE);
     TFlushCall const tFlush([](HANDLE) { return tFailWith(ERROR_IO_DEVICE, FALSE); });
     EXPECT_EQ(sThrown([&] { tStream.Flush(); }), sReasonThen(ERROR_IO_DEVICE, 4270, sPath));
+    EXPECT_EQ(sThrown([&] { tUnbuffered.Flush(); }), sReasonThen(ERROR_IO_DEVICE, 4270, sOther));
 }
 
 TEST(TFStream, ASeekBelowZeroIsRefusedByTheSystem) {

@@ -550,6 +550,8 @@ TEST(TStreamBase, SeeksToTheDataNotToTheCapacity) {
     EXPECT_EQ(iThrownNumber([&] { tStream.Seek(4L, 0); }), IDS_SEEK_OUT_OF_RANGE);
     EXPECT_EQ(iThrownNumber([&] { tStream.SetPos(4); }), IDS_SEEK_OUT_OF_RANGE);
     EXPECT_EQ(tStream.dwGetPos(), 3u);
+    tStream.SetPos(3); // the end itself
+    EXPECT_TRUE(tStream.fIsEoF());
     tStream.SetPos(0);
     EXPECT_EQ(tStream.dwGetPos(), 0u);
     EXPECT_FALSE(tStream.fIsEoF());

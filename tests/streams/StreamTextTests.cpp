@@ -16,6 +16,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 using namespace std::string_literals;
@@ -400,6 +401,9 @@ TEST(TStreamBaseText, ReadersFailAtTheEnd) {
     EXPECT_EQ(iThrownNumber([&] { tEmpty.PeekChar(c); }), IDS_READ_PAST_END);
     EXPECT_EQ(iThrownNumber([&] { tEmpty.SkipChars(1); }), IDS_READ_PAST_END);
     tEmpty.SkipChars(0);
+    TOpenStream tWide(ecpUtf16);
+    EXPECT_EQ(iThrownNumber([&] { tWide.SkipChars(1); }), IDS_READ_PAST_END);
+    tWide.SkipChars(0);
     std::wstring sText = L"x";
     tEmpty.ReadString(sText);
     EXPECT_EQ(sText, L"");
@@ -791,6 +795,24 @@ TEST(TStreamBaseText, WritesAndReads8BitFields) {
     TInput tFull(std::string(255, 'x'), 1200);
     tFull.tStream.Read8BitChars(255, sText);
     EXPECT_EQ(sText, std::wstring(255, L'x'));
+}
+
+TEST(TStreamBaseText, TakesFieldsByTheThreadsCodePageAndCountsBlobsByTheSystems) {
+    std::string sField;
+    std::string sBlob;
+    std::wstring sRead;
+    std::thread([&] {
+        SetThreadLocale(MAKELCID(MAKELANGID(LANG_JAPANESE, SUBLANG_DEFAULT), SORT_DEFAULT));
+        std::wstring sText = L"\u6F22";
+        sField = sWritten(ecpUtf8, [&](TStreamBase & t) { t.Write8BitChars(3, sText); });
+        sBlob = sWritten(ecpUtf8, [&](TStreamBase & t) { t.Write8BitBlob(sText); });
+        TInput tInput("\x8A\xBF\0"s, 65001);
+        tInput.tStream.Read8BitChars(3, sRead);
+    }).join();
+    EXPECT_EQ(sField, "\x8A\xBF\0"s);
+    EXPECT_EQ(sRead, L"\u6F22");
+    auto const cCount = static_cast<char>(WideCharToMultiByte(CP_ACP, 0, L"\u6F22", 1, nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(sBlob, std::string(1, cCount) + "\0\0\0\xE6\xBC\xA2\0"s);
 }
 
 // Uncounted strings
