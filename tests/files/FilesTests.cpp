@@ -445,7 +445,7 @@ TEST(SMakeTempDir, ThrowsTheReasonOfAnyOtherError) {
 }
 
 TEST(SMakeTempDir, TakesTheLongFormFrom248Characters) {
-    for (std::size_t uLength : {247U, 248U, 259U, 260U, 261U, 1000U}) {
+    for (std::size_t uLength : {247U, 248U, 259U, 260U, 261U, 262U, 263U, 264U, 1000U}) {
         std::wstring const sTemp = L"X:\\" + std::wstring(uLength - 7, L't') + L"\\";
         std::wstring const sExpected = sTemp + L"ZK1";
         ASSERT_EQ(sExpected.size(), uLength);
