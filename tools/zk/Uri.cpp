@@ -14,7 +14,8 @@ struct TCheck {
     bool (*pHolds)(std::wstring const & sText);
 };
 
-constexpr std::array<TCheck, 4> tChecks{{
+// No constants of the compiler: the addresses come from the DLL.
+std::array<TCheck, 4> const tChecks{{
     {L"URL", &fIsValidURL},
     {L"URL without a query", &fIsValidURL_NoQuery},
     {L"URI", &fIsValidURI},
@@ -33,7 +34,7 @@ struct TTask {
     std::wstring (*pDo)(std::wstring const & sText);
 };
 
-constexpr std::array<TTask, 4> tTasks{{
+std::array<TTask, 4> const tTasks{{
     {L"path", &sPathToURI},
     {L"escape", &sStringToURI},
     {L"unescape", &sUnescapeURI},
