@@ -39,7 +39,7 @@ public:
     void MoveTo(std::wstring & sTarget) {
         if (sSpilled.empty()) {
             sTarget.resize(uCount);
-            CopyBytes(sTarget.data(), acUnits, uCount * sizeof(wchar_t));
+            CopyTo(reinterpret_cast<unsigned char *>(sTarget.data()));
         } else {
             Spill();
             sTarget = std::move(sSpilled);
@@ -47,6 +47,21 @@ public:
     }
 
 private:
+    /// Most texts are of some tens of bytes: by pieces of 32, the last of which may overlap the one before.
+    void CopyTo(unsigned char * pTo) const noexcept {
+        struct TPiece {
+            __m128i t1;
+            __m128i t2;
+        };
+        constexpr std::size_t uPiece = sizeof(TPiece);
+        auto const * const pFrom = reinterpret_cast<unsigned char const *>(acUnits);
+        std::size_t const uBytes = uCount * sizeof(wchar_t);
+        if (uBytes <= uPiece) return CopyBytes(pTo, pFrom, uBytes);
+        for (std::size_t u = 0; u + uPiece < uBytes; u += uPiece)
+            CopyBothEnds<TPiece>(pTo + u, pFrom + u, uPiece);
+        CopyBothEnds<TPiece>(pTo + uBytes - uPiece, pFrom + uBytes - uPiece, uPiece);
+    }
+
     void Spill() {
         sSpilled.append(acUnits, uCount);
         uCount = 0;

@@ -262,7 +262,7 @@ int iEncodeUtf8(wchar_t const * pText, int iCount, char * pTarget) noexcept {
     wchar_t const * p = pText;
     wchar_t const * const pEnd = pText + iCount;
     char * pOut = pTarget;
-    EncodeUtf8ByShuffle(p, pEnd, pOut);
+    if (iCount >= 8) EncodeUtf8ByShuffle(p, pEnd, pOut); // a line end is no matter for it
     for (; p != pEnd; ++p) {
         unsigned int const c = *p;
         if (c < 0x80) {
