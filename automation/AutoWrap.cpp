@@ -1,6 +1,6 @@
 #include "automation/AutoWrap.h"
 
-#include "automation/ComOwners.h"
+#include "frame/ComOwners.h"
 
 #include <comdef.h>
 

@@ -1,9 +1,8 @@
 #include "ZkTools/ComError.h"
 
-#include "automation/ComOwners.h"
+#include "frame/ComErrorText.h"
+#include "frame/ComOwners.h"
 
-#include <array>
-#include <cwchar>
 #include <utility>
 
 namespace {
@@ -11,37 +10,6 @@ namespace {
 // Where the numbers of `WCode` lie.
 constexpr unsigned long dwFirstCode = 0x80040200;
 constexpr unsigned long dwLastCode = 0x8004FFFF;
-
-struct TFreeLocal {
-    void operator()(wchar_t * p) const noexcept { LocalFree(p); }
-};
-using TLocalText = std::unique_ptr<wchar_t, TFreeLocal>;
-
-/// The system's text for an error without its line end; null when the system has none.
-TLocalText pzFindSystemText(HRESULT hr) noexcept {
-    wchar_t * pzText = nullptr;
-    unsigned long const dwLength = FormatMessageW(
-        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, static_cast<unsigned long>(hr),
-        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<wchar_t *>(&pzText), 0, nullptr);
-    if (dwLength >= 2 && pzText[dwLength - 1] == L'\n') {
-        pzText[dwLength - 1] = 0;
-        if (pzText[dwLength - 2] == L'\r') pzText[dwLength - 2] = 0;
-    }
-    return TLocalText(pzText);
-}
-
-/// A text for an error; null when there is no memory for it.
-TLocalText pzMakeText(HRESULT hr) noexcept {
-    if (TLocalText pzText = pzFindSystemText(hr)) return pzText;
-    constexpr std::size_t uUnits = 32;
-    TLocalText pzText(static_cast<wchar_t *>(LocalAlloc(LMEM_FIXED, uUnits * sizeof(wchar_t))));
-    if (pzText == nullptr) return pzText;
-    if (unsigned short const uCode = TComError::HRESULTToWCode(hr); uCode != 0)
-        _snwprintf(pzText.get(), uUnits, L"IDispatch error #%d", uCode);
-    else
-        _snwprintf(pzText.get(), uUnits, L"Unknown error 0x%0lX", static_cast<unsigned long>(hr));
-    return pzText;
-}
 
 std::wstring sDescribe(HRESULT hr, wchar_t const * pzText) {
     return std::wstring(L"COM error: ")
@@ -61,7 +29,7 @@ std::wstring sAsk(IErrorInfo * pErrorInfo, HRESULT (STDMETHODCALLTYPE IErrorInfo
 } // namespace
 
 TComError::TComError(HRESULT hr_, IErrorInfo * p, bool fAddRef)
-    : std::runtime_error(sMakeUtf8(sDescribe(hr_, pzMakeText(hr_).get()))), hr(hr_), pErrorInfo(p) {
+    : std::runtime_error(sMakeUtf8(sDescribe(hr_, pzGetComErrorText(hr_).get()))), hr(hr_), pErrorInfo(p) {
     if (pErrorInfo != nullptr && fAddRef) pErrorInfo->AddRef();
 }
 
@@ -94,7 +62,7 @@ std::wstring TComError::sGetErrorMessage(HRESULT hr_, IErrorInfo * p) {
 }
 
 wchar_t const * TComError::ErrorMessage() const noexcept {
-    if (pzMessage == nullptr) pzMessage = pzMakeText(hr).release();
+    if (pzMessage == nullptr) pzMessage = pzGetComErrorText(hr).release();
     return pzMessage;
 }
 
@@ -103,9 +71,7 @@ unsigned short TComError::WCode() const noexcept {
 }
 
 unsigned short TComError::HRESULTToWCode(HRESULT hr_) noexcept {
-    auto const dwError = static_cast<unsigned long>(hr_);
-    if (dwError < dwFirstCode || dwError > dwLastCode) return 0;
-    return static_cast<unsigned short>(dwError - dwFirstCode);
+    return uGetDispatchNumber(hr_);
 }
 
 HRESULT TComError::WCodeToHRESULT(unsigned short uCode) noexcept {

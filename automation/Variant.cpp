@@ -2,7 +2,7 @@
 #include "ZkTools/Variant.h"
 
 #include "ZkTools/ComError.h"
-#include "automation/ComOwners.h"
+#include "frame/ComOwners.h"
 
 #include <cstring>
 
